@@ -1,0 +1,41 @@
+#pragma once
+
+#include "printerdriver.h"
+
+// The receipt printer's command text: every printed line is framed by a
+// double quote and a closing "@, sections are opened by "j" and closed by
+// "J"; fiscal documents write fiscal-printer command lines instead.
+class CompanyPrinterDriver : public PrinterDriver
+{
+public:
+    explicit CompanyPrinterDriver(const QString& fileName);
+    explicit CompanyPrinterDriver(std::unique_ptr<QIODevice> device);
+
+    unsigned getPaperWidth() override;
+    void setBold() override;
+    void setCharSize() override;
+    void setCharSize(int size) override;
+    void setCenterJustify() override;
+    void fullCut() override;
+    void generatePulse() override;
+    void startSection() override;
+    void endSection() override;
+    void print(unsigned int indent, const QString& text) override;
+    void println(unsigned int indent, const QString& text) override;
+    void println(const QString& text) override;
+    void printRowFiscal(const QString& name, const QXmlStreamAttributes& atts) override;
+    void printRowFiscal(const QString& department, const QString& quantity,
+                        const QString& description, const QString& price) override;
+    void printLogo() override;
+    virtual void printRowFiscal(const QString& department, const QString& quantity,
+                                const QString& description, const QString& price,
+                                const QString& adjustment);
+
+private:
+    bool isFiscal() const;
+    void write(const QString& text);
+    void writeFiscalItem(const QString& department, const QString& quantity,
+                         const QString& description, const QString& price);
+
+    QString line;
+};

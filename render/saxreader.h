@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <QXmlStreamAttributes>
+
+class QIODevice;
+
+// The event interface the print driver implements. Each callback answers
+// whether parsing should go on; returning false stops the parse at once.
+class XmlContentHandler
+{
+public:
+    virtual ~XmlContentHandler() = default;
+
+    virtual bool startDocument() { return true; }
+    virtual bool startElement(const QString& namespaceURI, const QString& localName,
+                              const QString& qName, const QXmlStreamAttributes& atts)
+    {
+        (void)namespaceURI; (void)localName; (void)qName; (void)atts;
+        return true;
+    }
+    virtual bool endElement(const QString& namespaceURI, const QString& localName,
+                            const QString& qName)
+    {
+        (void)namespaceURI; (void)localName; (void)qName;
+        return true;
+    }
+    virtual bool endDocument() { return true; }
+};
+
+// Streams one XML document from a device into a content handler, in a single
+// pass that keeps nothing of the document. startDocument always comes first,
+// even when the device cannot be read; endDocument only follows a complete,
+// well-formed parse. Returns true when that happened.
+bool parseXml(QIODevice* input, XmlContentHandler& handler);
