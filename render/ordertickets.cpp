@@ -4,30 +4,12 @@
 
 namespace {
 
-// The leading integer of a text, as a ticket reads a variant's quantity:
-// "2" is 2, "-1 " is -1, and text without a leading number is 0.
-long leadingInteger(const QString& text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text.at(i).isSpace())
-        ++i;
-    bool negative = false;
-    if (i < text.size() && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+')))
-        negative = text.at(i++) == QLatin1Char('-');
-    long number = 0;
-    for (; i < text.size() && text.at(i).isDigit() && text.at(i).unicode() < 128; ++i) {
-        number = number * 10 + (text.at(i).unicode() - '0');
-        if (number > 1000)  // only -1, 0 and 1 matter
-            break;
-    }
-    return negative ? -number : number;
-}
-
 // A variant changes the item before it: "+" adds, "-" removes, any other
 // quantity is printed as written.
 QString variantText(const QString& quantity, const QString& name)
 {
-    const long count = leadingInteger(quantity);
+    // Read like every number of a request: text that is not a number is 0.
+    const double count = quantity.toDouble();
     QString sign;
     if (count == -1 || count == 0)
         sign = QStringLiteral("-");

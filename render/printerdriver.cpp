@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
@@ -147,14 +148,21 @@ int PrinterDriver::intSetting(const QString& keyWord) const
     return config->getStrValue(docPath + keyWord).toInt();
 }
 
+int PrinterDriver::widthSetting(const QString& keyWord) const
+{
+    // A width far beyond any paper would only build lines the size of memory.
+    constexpr int widestLine = 4096;
+    return std::clamp(intSetting(keyWord), -widestLine, widestLine);
+}
+
 void PrinterDriver::loadValues(const QString& type)
 {
     docPath = documentPath(type);
 
-    settings.quantityFieldWidth = intSetting(QStringLiteral("quantityFieldWidth"));
-    settings.priceFieldWidth = intSetting(QStringLiteral("priceFieldWidth"));
-    settings.totalPriceFieldWidth = intSetting(QStringLiteral("totalPriceFieldWidth"));
-    settings.paperWidth = intSetting(QStringLiteral("paperWidth"));
+    settings.quantityFieldWidth = widthSetting(QStringLiteral("quantityFieldWidth"));
+    settings.priceFieldWidth = widthSetting(QStringLiteral("priceFieldWidth"));
+    settings.totalPriceFieldWidth = widthSetting(QStringLiteral("totalPriceFieldWidth"));
+    settings.paperWidth = widthSetting(QStringLiteral("paperWidth"));
     settings.paperRows = intSetting(QStringLiteral("paperRows"));
     if (settings.paperWidth == 0)
         settings.paperWidth = int(getPaperWidth());

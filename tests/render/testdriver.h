@@ -1,0 +1,45 @@
+#pragma once
+
+#include "companyprinterdriver.h"
+
+#include <QBuffer>
+
+#include <initializer_list>
+#include <utility>
+
+// The device writing into memory, with the settings open to the tests.
+class TestDriver : public CompanyPrinterDriver
+{
+public:
+    TestDriver() : CompanyPrinterDriver(std::make_unique<QBuffer>()) {}
+
+    using PrinterDriver::docPath;
+    using PrinterDriver::justify;
+    using PrinterDriver::settings;
+
+    QByteArray bytes()
+    {
+        flush();
+        return static_cast<QBuffer&>(*file).data();
+    }
+    void setWidths(int w, int q, int p, int t)
+    {
+        settings.paperWidth = w;
+        settings.quantityFieldWidth = q;
+        settings.priceFieldWidth = p;
+        settings.totalPriceFieldWidth = t;
+    }
+    bool element(const QString& name, const QXmlStreamAttributes& atts = {})
+    {
+        return startElement(QString(), name, name, atts);
+    }
+    bool selectMethod(const QString& name) { return element(QStringLiteral("method"), attrs({{"name", name}})); }
+
+    static QXmlStreamAttributes attrs(std::initializer_list<std::pair<const char*, QString>> list)
+    {
+        QXmlStreamAttributes atts;
+        for (const auto& [name, value] : list)
+            atts.append(QString::fromLatin1(name), value);
+        return atts;
+    }
+};
