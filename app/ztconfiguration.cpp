@@ -7,12 +7,23 @@ ZTConfiguration::ZTConfiguration()
     readFile(QDir::homePath() + QLatin1String("/.zentaro/conf/zentaro.conf"), QStringLiteral("cfg"));
 }
 
+namespace {
+bool isAscii(const QString& text)
+{
+    for (QChar c : text)
+        if (c.unicode() >= 0x80)
+            return false;
+    return true;
+}
+}
+
 QString ZTConfiguration::getStrValue(const QString& key) const
 {
     // Settings are 8-bit text for the callers: what the local 8-bit encoding
-    // cannot carry does not survive, in the key or in the value.
-    const QString value = lookup(QString::fromLocal8Bit(key.toLocal8Bit()));
-    if (value.isEmpty())
+    // cannot carry does not survive, in the key or in the value. ASCII
+    // survives every such encoding unchanged.
+    const QString value = lookup(isAscii(key) ? key : QString::fromLocal8Bit(key.toLocal8Bit()));
+    if (value.isEmpty() || isAscii(value))
         return value;
     return QString::fromLocal8Bit(value.toLocal8Bit());
 }

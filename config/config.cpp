@@ -4,6 +4,7 @@
 #include <QXmlStreamReader>
 
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -93,8 +94,17 @@ bool Config::openFile(const QString& name)
     closeFile();
     stream.clear();
     stream.open(QFile::encodeName(name).toStdString(), std::ios::in | std::ios::binary);
-    if (stream.is_open())
+    if (stream.is_open()) {
+        // One read of the whole file; the reader then works on memory.
+        stream.seekg(0, std::ios::end);
+        const std::streamoff size = stream.tellg();
+        stream.seekg(0, std::ios::beg);
+        content.resize(size > 0 ? std::size_t(size) : 0);
+        stream.read(content.data(), std::streamsize(content.size()));
+        content.resize(std::size_t(stream.gcount()));
+        position = 0;
         return true;
+    }
     const QByteArray shown = name.toLocal8Bit();
     std::cout << "Error in the method FileReader::open( ";
     std::cout.write(shown.constData(), shown.size());
@@ -112,7 +122,7 @@ void Config::closeFile()
 // and the reader ends with an empty document.
 int Config::readChar()
 {
-    return stream.get();
+    return position < content.size() ? static_cast<unsigned char>(content[position++]) : std::char_traits<char>::eof();
 }
 
 bool Config::jump(char c)
@@ -151,46 +161,43 @@ void Config::loadFile()
     };
 
     const int eof = std::char_traits<char>::eof();
-    QByteArray text; // everything since the last structural character
+    std::size_t textBegin = position; // everything since the last structural character
+    auto textSince = [&](std::size_t begin, std::size_t end) {
+        return QByteArray::fromRawData(content.data() + begin, qsizetype(end - begin));
+    };
     for (int c = readChar(); c != eof; c = readChar()) {
         switch (c) {
         case ':': {
-            const QString name = cfgText(text);
-            text.clear();
-            // Whatever stands between ':' and '{' is dropped, even another
-            // group's header when this one has no '{' of its own.
+            const QString name = cfgText(textSince(textBegin, position - 1));
             jump('{');
             attachInnermost();
             auto group = std::make_unique<ConfigNode>(name);
             ConfigNode* raw = group.get();
             open.push_back({std::move(group), raw});
+            textBegin = position;
             break;
         }
         case '=': {
-            const QString key = cfgText(text);
-            text.clear();
-            QByteArray raw;
-            for (int v = readChar(); v != eof && v != ';'; v = readChar())
-                raw.append(static_cast<char>(v));
-            // Quotes only protect blanks from the trim; they are not part of
-            // the value, wherever they stand.
-            QString value = cfgText(raw);
+            const QString key = cfgText(textSince(textBegin, position - 1));
+            std::size_t end = content.find(';', position);
+            if (end == std::string::npos)
+                end = content.size();
+            QString value = cfgText(textSince(position, end));
+            position = end < content.size() ? end + 1 : end;
             value.remove(QLatin1Char('"'));
             open.back().element->setAttribute(key, value);
             attachInnermost();
+            textBegin = position;
             break;
         }
         case '}':
-            // The ';' that should follow is searched for, so a '}' without
-            // it swallows the statements up to the next ';'.
             jump(';');
-            text.clear();
+            textBegin = position;
             if (open.size() == 1)
-                return; // the top level is closed: the rest of the file is not read
+                return;
             open.pop_back();
             break;
         default:
-            text.append(static_cast<char>(c));
             break;
         }
     }

@@ -46,6 +46,8 @@ protected:
     QString fileName;
     QString fileType;
     std::ifstream stream;
+    std::string content;
+    std::size_t position = 0;
     std::unique_ptr<ConfigNode> documentRoot;
 
 private:

@@ -11,6 +11,18 @@ constexpr qsizetype longestCentredLine = deviceWidth + 7;
 
 const QLatin1StringView fiscalLineEnd("\r\n");
 
+// Looks for the reserved word by its first letter, which plain item text
+// rarely holds; a general substring search costs more than the rest of print.
+bool containsTotale(QStringView text)
+{
+    for (qsizetype i = text.indexOf(QLatin1Char('T')); i >= 0;
+         i = text.indexOf(QLatin1Char('T'), i + 1)) {
+        if (text.sliced(i).startsWith(QLatin1StringView("TOTALE")))
+            return true;
+    }
+    return false;
+}
+
 QString commaDecimal(QString text)
 {
     return text.replace(QLatin1Char('.'), QLatin1Char(','));
@@ -113,22 +125,28 @@ void CompanyPrinterDriver::endSection()
 void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     // The device reserves the word TOTALE: it must reach the paper as SOMMA.
-    QString copy = text;
-    copy.replace(QLatin1StringView("TOTALE"), QLatin1StringView("SOMMA"));
-    line.append(QString(qsizetype(indent), QLatin1Char(' ')));
-    line.append(copy);
+    if (indent)
+        line.resize(line.size() + qsizetype(indent), QLatin1Char(' '));
+    if (containsTotale(text)) {
+        QString copy = text;
+        copy.replace(QLatin1StringView("TOTALE"), QLatin1StringView("SOMMA"));
+        line.append(copy);
+    } else {
+        line.append(text);
+    }
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
 {
     print(indent, text);
-    print(0, QStringLiteral("\"@\n"));
+    line.append(QLatin1StringView("\"@\n"));
     if (justify == QLatin1StringView("center") && line.size() <= longestCentredLine) {
         const qsizetype pad = (longestCentredLine - line.size()) / 2;
         line.insert(1, QString(pad, QLatin1Char(' ')));
     }
     write(line);
-    line = QStringLiteral("\"");
+    line.resize(0);
+    line.append(QLatin1Char('"'));
 }
 
 void CompanyPrinterDriver::println(const QString& text)

@@ -121,8 +121,9 @@ public:
     bool oneTime();
     QString documentPath(const QString& type);
     void loadValues(const QString& type);
-    QString descriptionRow(const QString& a1, const QString& a2, const QString& a3,
-                           const QString& a4, QChar fill, const QString& layout) const;
+    // Views, so that attribute values go into the line without a copy.
+    QString descriptionRow(QStringView a1, QStringView a2, QStringView a3, QStringView a4,
+                           QChar fill, QStringView layout) const;
 
     // Pushes buffered text to the device; the destructor does it too.
     void flush();

@@ -18,10 +18,10 @@ void PrinterDriver::printFullOrderReceipt(const QString& qName, const QXmlStream
         printCustomerHeader(atts);
     } else if (qName == QLatin1StringView("receipe")) {
         printItemColumnsHeader(true);
-        println(descriptionRow(value(atts, QLatin1StringView("number")),
-                               value(atts, QLatin1StringView("name")),
-                               value(atts, QLatin1StringView("price")),
-                               value(atts, QLatin1StringView("totalPrice")), dot, qxdpt));
+        println(descriptionRow(atts.value(QLatin1StringView("number")),
+                               atts.value(QLatin1StringView("name")),
+                               atts.value(QLatin1StringView("price")),
+                               atts.value(QLatin1StringView("totalPrice")), dot, qxdpt));
     } else if (qName == QLatin1StringView("total")) {
         println(QString());
         println(descriptionRow(QString(), tr("TOTAL"), QString(),

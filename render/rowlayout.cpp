@@ -3,65 +3,81 @@
 
 namespace {
 
-// Padding never cuts: a value longer than its column widens the line.
-QString rightJustified(const QString& text, int width, QChar fill)
+// Each column is appended to one row buffer. Padding never cuts: a value
+// longer than its column widens the line.
+void appendRight(QString& row, QStringView text, int width, QChar fill)
 {
-    return text.size() < width ? QString(width - text.size(), fill) + text : text;
+    if (text.size() < width)
+        row.resize(row.size() + (width - text.size()), fill);
+    row.append(text);
 }
 
-QString leftJustified(const QString& text, int width, QChar fill)
+void appendLeft(QString& row, QStringView text, int width, QChar fill)
 {
-    return text.size() < width ? text + QString(width - text.size(), fill) : text;
+    row.append(text);
+    if (text.size() < width)
+        row.resize(row.size() + (width - text.size()), fill);
 }
 
 // The description column is exactly its width. A negative width (columns
 // wider than the paper) leaves the description whole, as an unsigned count would.
-QString descriptionColumn(const QString& text, int width, QChar fill)
+void appendDescription(QString& row, QStringView text, int width, QChar fill)
 {
-    if (width < 0)
-        return text;
-    return leftJustified(text, width, fill).left(width);
+    if (width >= 0 && text.size() > width)
+        row.append(text.left(width));
+    else
+        appendLeft(row, text, width, fill);
 }
 
 const QChar blank(QLatin1Char(' '));
+const QLatin1StringView times(" x ");
 
 } // namespace
 
-QString PrinterDriver::descriptionRow(const QString& a1, const QString& a2, const QString& a3,
-                                      const QString& a4, QChar fill, const QString& layout) const
+QString PrinterDriver::descriptionRow(QStringView a1, QStringView a2, QStringView a3,
+                                      QStringView a4, QChar fill, QStringView layout) const
 {
     const int q = settings.quantityFieldWidth;
     const int p = settings.priceFieldWidth;
     const int t = settings.totalPriceFieldWidth;
     const int w = settings.paperWidth;
+    QString row;
+    row.reserve(qMax(w, 0) + a1.size() + a2.size() + a3.size() + a4.size() + 8);
 
     if (layout == QLatin1StringView("qdpt")) {
-        return rightJustified(a1, q, blank) + blank + descriptionColumn(a2, w - q - p - t - 1, fill)
-            + rightJustified(a3, p, fill) + rightJustified(a4, t, blank);
-    }
-    if (layout == QLatin1StringView("qxdpt")) {
-        return rightJustified(a1, q, blank) + QLatin1StringView(" x ")
-            + descriptionColumn(a2, w - q - p - t - 3, fill) + rightJustified(a3, p, fill)
-            + rightJustified(a4, t, blank);
-    }
-    if (layout == QLatin1StringView("qxdtDoubleLine")) {
-        return a1 + QLatin1StringView(" x ") + a3 + QLatin1Char('\n')
-            + descriptionColumn(a2, w - t, fill) + rightJustified(a4, t, fill);
-    }
-    if (layout == QLatin1StringView("qxd")) {
-        return rightJustified(a1, q, blank) + QLatin1StringView(" x ")
-            + descriptionColumn(a2, w - q - 3, fill);
-    }
-    if (layout == QLatin1StringView("qd")) {
+        appendRight(row, a1, q, blank);
+        row.append(blank);
+        appendDescription(row, a2, w - q - p - t - 1, fill);
+        appendRight(row, a3, p, fill);
+        appendRight(row, a4, t, blank);
+    } else if (layout == QLatin1StringView("qxdpt")) {
+        appendRight(row, a1, q, blank);
+        row.append(times);
+        appendDescription(row, a2, w - q - p - t - 3, fill);
+        appendRight(row, a3, p, fill);
+        appendRight(row, a4, t, blank);
+    } else if (layout == QLatin1StringView("qxdtDoubleLine")) {
+        row.append(a1).append(times).append(a3).append(QLatin1Char('\n'));
+        appendDescription(row, a2, w - t, fill);
+        appendRight(row, a4, t, fill);
+    } else if (layout == QLatin1StringView("qxd")) {
+        appendRight(row, a1, q, blank);
+        row.append(times);
+        appendDescription(row, a2, w - q - 3, fill);
+    } else if (layout == QLatin1StringView("qd")) {
         // Three characters are reserved for a one-character separator, so the
         // line ends two characters short of the paper.
-        return rightJustified(a1, q, blank) + blank + descriptionColumn(a2, w - q - 3, blank);
+        appendRight(row, a1, q, blank);
+        row.append(blank);
+        appendDescription(row, a2, w - q - 3, blank);
+    } else if (layout == QLatin1StringView("date-amount-type")) {
+        appendLeft(row, a1, 15, blank);
+        appendDescription(row, a2, w - 15 - p - 3, fill);
+        appendRight(row, a3, p, fill);
+    } else {
+        return QLatin1String("");
     }
-    if (layout == QLatin1StringView("date-amount-type")) {
-        return leftJustified(a1, 15, blank) + descriptionColumn(a2, w - 15 - p - 3, fill)
-            + rightJustified(a3, p, fill);
-    }
-    return QLatin1String("");
+    return row;
 }
 
 void PrinterDriver::printColumnsHeader(const QString& a1, const QString& a2, const QString& a3,

@@ -15,18 +15,26 @@ bool parseXml(QIODevice* input, XmlContentHandler& handler)
     // an error for a print request.
     reader.setNamespaceProcessing(false);
 
+    // Requests repeat the same few element names thousands of times: the
+    // name texts are only rebuilt when the name changes.
+    QString qName;
+    QString localName;
+    const auto takeNames = [&reader, &qName, &localName] {
+        if (reader.qualifiedName() == qName)
+            return;
+        qName = reader.qualifiedName().toString();
+        localName = reader.prefix().isEmpty() ? qName : reader.name().toString();
+    };
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            const QString qName = reader.qualifiedName().toString();
-            if (!handler.startElement(QString(), reader.name().toString(), qName,
-                                      reader.attributes()))
+        case QXmlStreamReader::StartElement:
+            takeNames();
+            if (!handler.startElement(QString(), localName, qName, reader.attributes()))
                 return false;
             break;
-        }
         case QXmlStreamReader::EndElement:
-            if (!handler.endElement(QString(), reader.name().toString(),
-                                    reader.qualifiedName().toString()))
+            takeNames();
+            if (!handler.endElement(QString(), localName, qName))
                 return false;
             break;
         default:

@@ -1,0 +1,41 @@
+#!/bin/sh
+# Builds zentaro-print and the benchmark tools in Release and prints the three
+# figures with their ratios against floors measured in the same run.
+#   BUILD_DIR     build directory (default: build-bench/ at the repository root)
+#   STARTUP_REPS  runs of each start-up command (default 50)
+#   LARGE_REPS    runs of each large-request command (default 5)
+#   BENCH_TMPDIR  where requests and outputs go (default /dev/shm, else $TMPDIR or /tmp)
+set -eu
+
+repo=$(cd "$(dirname "$0")/.." && pwd)
+build=${BUILD_DIR:-$repo/build-bench}
+generator=
+if command -v ninja >/dev/null 2>&1; then
+    generator="-G Ninja"
+fi
+
+# shellcheck disable=SC2086 # $generator is two words or none
+cmake -S "$repo" -B "$build" $generator -DCMAKE_BUILD_TYPE=Release -DZENTARO_TESTS=OFF \
+    -DZENTARO_SANITIZE=OFF -DZENTARO_FUZZ=OFF >/dev/null
+cmake --build "$build" --target bench_tools >/dev/null
+
+# Requests and outputs live in memory when the machine has a tmpfs, so that
+# the disk's write-back on closing the output file stays out of the figures.
+tmp=${BENCH_TMPDIR:-/dev/shm}
+[ -d "$tmp" ] && [ -w "$tmp" ] || tmp=${TMPDIR:-/tmp}
+work=$(mktemp -d "$tmp/zentaro-bench.XXXXXX")
+trap 'rm -rf "$work"' EXIT INT TERM
+
+small=20
+medium=50000
+large=500000
+for n in $small $medium $large; do
+    "$build/bench/bench_generate" "$n" "$work/receipt-$n.xml"
+done
+
+"$build/bench/bench_runner" \
+    --bin "$build" --home "$repo/examples/home" --out "$work" \
+    --small "$work/receipt-$small.xml" --small-items $small \
+    --medium "$work/receipt-$medium.xml" --medium-items $medium \
+    --large "$work/receipt-$large.xml" --large-items $large \
+    --startup-reps "${STARTUP_REPS:-50}" --large-reps "${LARGE_REPS:-5}"

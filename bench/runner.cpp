@@ -1,0 +1,318 @@
+// Runs zentaro-print and its floors as whole processes, interleaved, and
+// reports each figure as a ratio against a floor measured in the same run,
+// so that the machine's speed and load cancel out.
+//
+//   (a) start-up: a small receipt against a C program that only copies the
+//       request, and a Qt program that creates the application object;
+//   (b) throughput: a large receipt against a bare stream-reader pass;
+//   (c) memory: peak RSS of the large receipt against one ten times smaller.
+//
+// Peak RSS is the child's ru_maxrss from wait4. Linux carries the high-water
+// mark of the spawning process's address space into the child across exec,
+// so this program links no Qt and stays far smaller than what it measures.
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <map>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+struct Sample
+{
+    double ms = 0;     // wall time, spawn to reaped exit
+    double cpuMs = 0;  // user + system time of the child
+    long peakKb = 0;
+};
+
+struct Command
+{
+    std::string label;
+    std::vector<std::string> argv;
+    std::vector<Sample> samples;
+};
+
+[[noreturn]] void fail(const std::string& message)
+{
+    std::fprintf(stderr, "bench_runner: %s\n", message.c_str());
+    std::exit(2);
+}
+
+double now()
+{
+    timespec t{};
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
+}
+
+// The environment of this process with HOME replaced, so that zentaro-print
+// reads the configuration under test; the floors ignore it.
+std::vector<std::string> environmentWithHome(const std::string& home)
+{
+    std::vector<std::string> env;
+    for (char** e = environ; *e; ++e) {
+        if (std::strncmp(*e, "HOME=", 5) != 0)
+            env.emplace_back(*e);
+    }
+    env.push_back("HOME=" + home);
+    return env;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& strings)
+{
+    std::vector<char*> result;
+    for (std::string& s : strings)
+        result.push_back(s.data());
+    result.push_back(nullptr);
+    return result;
+}
+
+// One whole-process run: spawn to reaped exit, standard streams on /dev/null
+// so that a terminal's speed does not enter the figure.
+Sample runOnce(Command& command, std::vector<std::string>& env)
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    std::vector<char*> argv = pointers(command.argv);
+    std::vector<char*> envp = pointers(env);
+
+    const double start = now();
+    pid_t pid = 0;
+    const int error = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0)
+        fail("cannot start " + command.argv[0] + ": " + std::strerror(error));
+
+    int status = 0;
+    rusage usage{};
+    while (wait4(pid, &status, 0, &usage) < 0) {
+        if (errno != EINTR)
+            fail(std::string("wait4: ") + std::strerror(errno));
+    }
+    const double end = now();
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        fail(command.label + " (" + command.argv[0] + ") failed with status "
+             + std::to_string(status));
+    const auto ms = [](const timeval& t) { return double(t.tv_sec) * 1e3 + double(t.tv_usec) / 1e3; };
+    return {end - start, ms(usage.ru_utime) + ms(usage.ru_stime), usage.ru_maxrss};
+}
+
+// Runs every command once per round, starting each round one command further
+// on, so that a slow patch of the machine falls on all of them alike.
+void runInterleaved(std::vector<Command*> commands, int rounds, std::vector<std::string>& env)
+{
+    for (Command* c : commands)
+        runOnce(*c, env);  // warms the page cache and the dynamic loader's files
+    for (int round = 0; round < rounds; ++round) {
+        for (size_t i = 0; i < commands.size(); ++i) {
+            Command& c = *commands[(round + i) % commands.size()];
+            c.samples.push_back(runOnce(c, env));
+        }
+    }
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+}
+
+double median(const Command& command)
+{
+    std::vector<double> ms;
+    for (const Sample& s : command.samples)
+        ms.push_back(s.ms);
+    return median(ms);
+}
+
+double medianCpu(const Command& command)
+{
+    std::vector<double> ms;
+    for (const Sample& s : command.samples)
+        ms.push_back(s.cpuMs);
+    return median(ms);
+}
+
+double minimum(const Command& command)
+{
+    double best = command.samples.front().ms;
+    for (const Sample& s : command.samples)
+        best = std::min(best, s.ms);
+    return best;
+}
+
+double peakMb(const Command& command)
+{
+    long peak = 0;
+    for (const Sample& s : command.samples)
+        peak = std::max(peak, s.peakKb);
+    return double(peak) / 1024;
+}
+
+long long fileSize(const std::string& path)
+{
+    struct stat st{};
+    if (stat(path.c_str(), &st) != 0)
+        fail("cannot stat " + path);
+    return st.st_size;
+}
+
+// A render that wrote (almost) nothing would make every figure look good.
+void checkRendered(const std::string& output, long long items)
+{
+    const long long bytes = fileSize(output);
+    if (bytes < 200 + items * 30)
+        fail(output + " holds " + std::to_string(bytes) + " bytes for " + std::to_string(items)
+             + " items: the render did not run through");
+}
+
+const char* verdict(bool met)
+{
+    return met ? "ok" : "MISSED";
+}
+
+struct Options
+{
+    std::map<std::string, std::string> values;
+
+    std::string get(const std::string& name) const
+    {
+        auto it = values.find(name);
+        if (it == values.end())
+            fail("missing --" + name);
+        return it->second;
+    }
+    long long number(const std::string& name) const
+    {
+        const std::string text = get(name);
+        char* end = nullptr;
+        const long long n = std::strtoll(text.c_str(), &end, 10);
+        if (*end != '\0' || n <= 0)
+            fail("--" + name + " needs a positive number, not '" + text + "'");
+        return n;
+    }
+};
+
+Options parse(int argc, char** argv)
+{
+    Options options;
+    options.values = {{"startup-reps", "50"}, {"large-reps", "5"}};
+    for (int i = 1; i < argc; i += 2) {
+        if (std::strncmp(argv[i], "--", 2) != 0 || i + 1 >= argc)
+            fail(std::string("usage: ") + argv[0]
+                 + " --bin DIR --home DIR --out DIR"
+                   " --small FILE --small-items N --medium FILE --medium-items N"
+                   " --large FILE --large-items N [--startup-reps N] [--large-reps N]");
+        options.values[argv[i] + 2] = argv[i + 1];
+    }
+    return options;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = parse(argc, argv);
+    const std::string bin = options.get("bin");
+    const std::string out = options.get("out");
+    const std::string render = bin + "/app/zentaro-print";
+    const std::string tools = bin + "/bench/";
+    const std::string small = options.get("small");
+    const std::string medium = options.get("medium");
+    const std::string large = options.get("large");
+    const long long smallItems = options.number("small-items");
+    const long long mediumItems = options.number("medium-items");
+    const long long largeItems = options.number("large-items");
+    const int startupReps = int(options.number("startup-reps"));
+    const int largeReps = int(options.number("large-reps"));
+    const std::string home = options.get("home");
+    // Without its configuration the renderer falls back to bare defaults and
+    // lays out less, which would flatter every figure.
+    fileSize(home + "/.zentaro/conf/zentaro.conf");
+    std::vector<std::string> env = environmentWithHome(home);
+
+    // Other work on the machine stretches the wall times unevenly; say how
+    // busy it was so that a reader can judge the figures.
+    double load = 0;
+    if (std::FILE* f = std::fopen("/proc/loadavg", "r")) {
+        if (std::fscanf(f, "%lf", &load) != 1)
+            load = 0;
+        std::fclose(f);
+    }
+    std::printf("machine   %ld cores, load average %.2f before the run\n", sysconf(_SC_NPROCESSORS_ONLN), load);
+    std::fflush(stdout);
+
+    // (a) start-up
+    Command copyFloor{"C floor", {tools + "bench_copy_floor", small, out + "/copy.txt"}, {}};
+    Command qtFloor{"Qt floor", {tools + "bench_qt_floor", small, out + "/qt.txt"}, {}};
+    Command renderSmall{"render", {render, small, out + "/small.txt"}, {}};
+    runInterleaved({&copyFloor, &qtFloor, &renderSmall}, startupReps, env);
+    checkRendered(out + "/small.txt", smallItems);
+
+    const double cMs = median(copyFloor);
+    const double qtMs = median(qtFloor);
+    const double smallMs = median(renderSmall);
+    const double startupRatio = smallMs / qtMs;
+    std::printf("startup   receipt %lld items  %.2f ms   C floor %.2f ms   Qt floor %.2f ms (%.1fx C)"
+                "   ratio %.2f (target <= 1.2)  %s\n",
+                smallItems, smallMs, cMs, qtMs, qtMs / cMs, startupRatio,
+                verdict(startupRatio <= 1.2));
+    std::printf("          median of %d interleaved runs; fastest %.2f / %.2f / %.2f ms;"
+                " CPU time %.2f / %.2f / %.2f ms, ratio %.2f\n",
+                startupReps, minimum(renderSmall), minimum(copyFloor), minimum(qtFloor),
+                medianCpu(renderSmall), medianCpu(copyFloor), medianCpu(qtFloor),
+                medianCpu(renderSmall) / medianCpu(qtFloor));
+    std::fflush(stdout);
+
+    // (b) throughput
+    Command parseFloor{"parse floor", {tools + "bench_parse_floor", large}, {}};
+    Command renderLarge{"render", {render, large, out + "/large.txt"}, {}};
+    runInterleaved({&parseFloor, &renderLarge}, largeReps, env);
+    checkRendered(out + "/large.txt", largeItems);
+
+    const double parseMs = median(parseFloor);
+    const double largeMs = median(renderLarge);
+    const double largeRatio = largeMs / parseMs;
+    std::printf("render    receipt %lld items (%.1f MB)  %.0f ms   parse floor %.0f ms"
+                "   ratio %.2f (target <= 1.3)  %s\n",
+                largeItems, double(fileSize(large)) / 1e6, largeMs, parseMs, largeRatio,
+                verdict(largeRatio <= 1.3));
+    std::printf("          median of %d interleaved runs; fastest %.0f / %.0f ms;"
+                " CPU time %.0f / %.0f ms, ratio %.2f\n",
+                largeReps, minimum(renderLarge), minimum(parseFloor), medianCpu(renderLarge),
+                medianCpu(parseFloor), medianCpu(renderLarge) / medianCpu(parseFloor));
+    std::fflush(stdout);
+
+    // (c) memory: the large render's runs above, and the smaller one's now
+    Command renderMedium{"render", {render, medium, out + "/medium.txt"}, {}};
+    runInterleaved({&renderMedium}, largeReps, env);
+    checkRendered(out + "/medium.txt", mediumItems);
+
+    const double largeMb = peakMb(renderLarge);
+    const double mediumMb = peakMb(renderMedium);
+    const double memoryRatio = largeMb / mediumMb;
+    std::printf("memory    peak RSS receipt %lld items %.1f MB   %lld items %.1f MB"
+                "   ratio %.2f (target <= 1.1, flat)  %s\n",
+                largeItems, largeMb, mediumItems, mediumMb, memoryRatio,
+                verdict(memoryRatio <= 1.1));
+    std::printf("          render of %lld items %.1f MB; parse floor %.1f MB; C floor %.1f MB"
+                " (a figure never reads below the runner's own peak)\n",
+                smallItems, peakMb(renderSmall), peakMb(parseFloor), peakMb(copyFloor));
+    return 0;
+}
