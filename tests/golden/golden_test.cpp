@@ -11,8 +11,9 @@
 
 // A case folder holds request.xml (absent: the input file is missing),
 // expected.txt (absent: no output file may appear), optionally zentaro.conf
-// (else cases/default.conf), args (words replacing "@REQUEST@ @OUTPUT@") and
-// expected_stdout.txt (absent: standard output must stay empty).
+// (else cases/default.conf), args (words replacing "@REQUEST@ @OUTPUT@"),
+// env (NAME=value lines added to the environment) and expected_stdout.txt
+// (absent: standard output must stay empty).
 namespace {
 
 const QString casesDir = QStringLiteral(GOLDEN_CASES);
@@ -103,6 +104,9 @@ TEST_P(Golden, PrintRun)
     QProcess run;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("HOME"), home);
+    const QString extraEnv = QString::fromUtf8(readAll(dir.filePath(QStringLiteral("env"))));
+    for (const QString& line : extraEnv.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        env.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
     run.setProcessEnvironment(env);
     run.setWorkingDirectory(work.path());
     run.start(QStringLiteral(ZENTARO_PRINT), args);
