@@ -10,7 +10,7 @@
 #include <QLocale>
 #include <QTranslator>
 
-#include <iostream>
+#include <cstdio>
 #include <memory>
 
 namespace {
@@ -31,8 +31,8 @@ void loadTranslation(QTranslator& translator, const QString& base, const QString
 void compile(int argc, char** argv)
 {
     if (argc != 3 && argc != 4) {
-        std::cout << "Usage: " << (argc > 0 && argv[0] ? argv[0] : "zentaro-print")
-                  << " input_file output_file" << std::endl;
+        std::printf("Usage: %s input_file output_file\n", argc > 0 && argv[0] ? argv[0] : "zentaro-print");
+        std::fflush(stdout);
         return;
     }
 

@@ -1,12 +1,19 @@
 #include "config.h"
 
 #include <QFile>
+#include <QVarLengthArray>
 #include <QXmlStreamReader>
 
-#include <iostream>
-#include <iterator>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace libconfig {
 
@@ -19,37 +26,90 @@ QString emptyText()
     return QStringLiteral("");
 }
 
-// White space of the "cfg" format: the C blanks plus the ISO 8859-1 no-break
-// space. Not QString::trimmed(), which would also take 0x85.
+// What each byte is to the "cfg" reader. White space is the C blanks plus
+// the ISO 8859-1 no-break space (not QString::trimmed(), which would also
+// take 0x85); ':', '=' and '}' are the only bytes the reader acts on between
+// texts. A table, because the reader asks once for every byte of the file.
+enum CfgClass : unsigned char { Other, Space, Structural };
+
+constexpr std::array<CfgClass, 256> cfgClasses = [] {
+    std::array<CfgClass, 256> table{};
+    for (unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'})
+        table[c] = Space;
+    table[0xA0] = Space;
+    for (unsigned char c : {':', '=', '}'})
+        table[c] = Structural;
+    return table;
+}();
+
 bool isCfgSpace(char c)
 {
-    switch (static_cast<unsigned char>(c)) {
-    case ' ':
-    case '\t':
-    case '\n':
-    case '\v':
-    case '\f':
-    case '\r':
-    case 0xA0:
-        return true;
-    default:
-        return false;
-    }
+    return cfgClasses[static_cast<unsigned char>(c)] == Space;
 }
 
 // Names and values were once held in a C string, so a NUL ends them; the
-// rest is trimmed and read as ISO 8859-1.
-QString cfgText(const QByteArray& raw)
+// rest is trimmed.
+QByteArrayView cfgBytes(const char* begin, const char* end)
 {
-    qsizetype end = raw.indexOf('\0');
-    if (end < 0)
-        end = raw.size();
-    qsizetype begin = 0;
-    while (begin < end && isCfgSpace(raw[begin]))
+    if (const void* nul = std::memchr(begin, '\0', std::size_t(end - begin)))
+        end = static_cast<const char*>(nul);
+    while (begin < end && isCfgSpace(*begin))
         ++begin;
-    while (end > begin && isCfgSpace(raw[end - 1]))
+    while (end > begin && isCfgSpace(end[-1]))
         --end;
-    return QString::fromLatin1(raw.constData() + begin, end - begin);
+    return QByteArrayView(begin, end - begin);
+}
+
+// The text of trimmed bytes, read as ISO 8859-1. A value also loses its
+// quotes, wherever they stand.
+QString cfgText(QByteArrayView bytes, bool dropQuotes)
+{
+    if (bytes.isEmpty())
+        return emptyText();
+    // ISO 8859-1 is the first 256 code points: each byte is its own
+    // character, so the text is copied straight into the string.
+    QString text(bytes.size(), Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(text.data());
+    char16_t* const first = out;
+    for (char c : bytes) {
+        if (dropQuotes && c == '"')
+            continue;
+        *out++ = static_cast<unsigned char>(c);
+    }
+    if (out - first != text.size())
+        text.resize(out - first);
+    return text;
+}
+
+// Diagnostics go to standard output, each as one line, flushed at once so
+// that they keep their place among anything else written there.
+void printLine(std::initializer_list<QByteArrayView> pieces)
+{
+    for (QByteArrayView piece : pieces)
+        std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+// The whole of an open file. Only a regular file has a size to go by; any
+// other (a directory, a pipe, a device) reads as empty.
+std::string readAll(int fd)
+{
+    std::string bytes;
+    struct stat status;
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0)
+        return bytes;
+    bytes.resize(std::size_t(status.st_size));
+    std::size_t got = 0;
+    while (got < bytes.size()) {
+        const ssize_t n = ::read(fd, bytes.data() + got, bytes.size() - got);
+        if (n > 0)
+            got += std::size_t(n);
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    bytes.resize(got);
+    return bytes;
 }
 
 } // namespace
@@ -89,49 +149,33 @@ bool Config::openFile()
 
 bool Config::openFile(const QString& name)
 {
-    // A reader that stopped at a top-level '}' leaves the stream open; a
-    // second read must not fail on that.
-    closeFile();
-    stream.clear();
-    stream.open(QFile::encodeName(name).toStdString(), std::ios::in | std::ios::binary);
-    if (stream.is_open()) {
+    const int fd = ::open(QFile::encodeName(name).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd >= 0) {
         // One read of the whole file; the reader then works on memory.
-        stream.seekg(0, std::ios::end);
-        const std::streamoff size = stream.tellg();
-        stream.seekg(0, std::ios::beg);
-        content.resize(size > 0 ? std::size_t(size) : 0);
-        stream.read(content.data(), std::streamsize(content.size()));
-        content.resize(std::size_t(stream.gcount()));
+        content = readAll(fd);
+        ::close(fd);
         position = 0;
         return true;
     }
     const QByteArray shown = name.toLocal8Bit();
-    std::cout << "Error in the method FileReader::open( ";
-    std::cout.write(shown.constData(), shown.size());
-    std::cout << " ): File Not Found" << std::endl;
+    printLine({"Error in the method FileReader::open( ", shown, " ): File Not Found"});
     return false;
 }
 
+// The file is closed as soon as it was read, so nothing is left open.
 void Config::closeFile()
 {
-    if (stream.is_open())
-        stream.close();
-}
-
-// A stream that never opened delivers nothing, so it reads as end of file
-// and the reader ends with an empty document.
-int Config::readChar()
-{
-    return position < content.size() ? static_cast<unsigned char>(content[position++]) : std::char_traits<char>::eof();
 }
 
 bool Config::jump(char c)
 {
-    for (int got = readChar(); got != std::char_traits<char>::eof(); got = readChar()) {
-        if (static_cast<char>(got) == c)
-            return true;
+    const std::size_t found = content.find(c, position);
+    if (found == std::string::npos) {
+        position = content.size();
+        return false;
     }
-    return false;
+    position = found + 1;
+    return true;
 }
 
 // The "cfg" reader. Groups nest as deep as the file says, so the open groups
@@ -160,47 +204,63 @@ void Config::loadFile()
         parent->appendChild(std::move(group.unattached));
     };
 
-    const int eof = std::char_traits<char>::eof();
-    std::size_t textBegin = position; // everything since the last structural character
-    auto textSince = [&](std::size_t begin, std::size_t end) {
-        return QByteArray::fromRawData(content.data() + begin, qsizetype(end - begin));
+    const auto name = [](const char* begin, const char* end) {
+        return cfgText(cfgBytes(begin, end), false);
     };
-    for (int c = readChar(); c != eof; c = readChar()) {
-        switch (c) {
+    const auto value = [](const char* begin, const char* end) {
+        return cfgText(cfgBytes(begin, end), true);
+    };
+    const char* const data = content.data();
+    const std::size_t size = content.size();
+    // The reader keeps its place in a local while it scans, and leaves it
+    // in position when it stops.
+    std::size_t at = position;
+    auto skipPast = [&](char c) {
+        const void* found = std::memchr(data + at, c, size - at);
+        at = found ? std::size_t(static_cast<const char*>(found) - data) + 1 : size;
+    };
+    std::size_t textBegin = at; // everything since the last structural character
+    while (at < size) {
+        while (at < size && cfgClasses[static_cast<unsigned char>(data[at])] != Structural)
+            ++at;
+        if (at == size)
+            break;
+        switch (data[at++]) {
         case ':': {
-            const QString name = cfgText(textSince(textBegin, position - 1));
-            jump('{');
+            const QString groupName = name(data + textBegin, data + at - 1);
+            skipPast('{');
             attachInnermost();
-            auto group = std::make_unique<ConfigNode>(name);
+            auto group = std::make_unique<ConfigNode>(groupName);
             ConfigNode* raw = group.get();
             open.push_back({std::move(group), raw});
-            textBegin = position;
+            textBegin = at;
             break;
         }
         case '=': {
-            const QString key = cfgText(textSince(textBegin, position - 1));
-            std::size_t end = content.find(';', position);
-            if (end == std::string::npos)
-                end = content.size();
-            QString value = cfgText(textSince(position, end));
-            position = end < content.size() ? end + 1 : end;
-            value.remove(QLatin1Char('"'));
-            open.back().element->setAttribute(key, value);
+            const QString key = name(data + textBegin, data + at - 1);
+            const void* semicolon = std::memchr(data + at, ';', size - at);
+            const std::size_t end = semicolon ? std::size_t(static_cast<const char*>(semicolon) - data) : size;
+            const QString text = value(data + at, data + end);
+            at = end < size ? end + 1 : end;
+            open.back().element->setAttribute(key, text);
             attachInnermost();
-            textBegin = position;
+            textBegin = at;
             break;
         }
         case '}':
-            jump(';');
-            textBegin = position;
-            if (open.size() == 1)
+            skipPast(';');
+            textBegin = at;
+            if (open.size() == 1) {
+                position = at;
                 return;
+            }
             open.pop_back();
             break;
         default:
             break;
         }
     }
+    position = at;
     closeFile();
 }
 
@@ -257,7 +317,19 @@ QString Config::lookup(const ConfigNode* node, const QString& key) const
     // The document root is not an element of its own: nothing matches it.
     if (!node || node == documentRoot.get())
         return emptyText();
-    const QString found = lookupFields(node, key.split(QLatin1Char('.')));
+    // The fields are views into the key, split at every '.'; empty fields
+    // count as fields.
+    QVarLengthArray<QStringView, 8> fields;
+    const QStringView whole(key);
+    qsizetype begin = 0;
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        if (whole[i] == u'.') {
+            fields.append(whole.sliced(begin, i - begin));
+            begin = i + 1;
+        }
+    }
+    fields.append(whole.sliced(begin));
+    const QString found = lookupFields(node, fields.constData(), fields.size());
     return found.isEmpty() ? emptyText() : found;
 }
 
@@ -266,21 +338,23 @@ QString Config::lookup(const ConfigNode* node, const QString& key) const
 // of the same name are searched in file order and the first non-empty value
 // wins, so an empty value counts as absent. Iterative, so the search depth
 // does not depend on the call stack.
-QString Config::lookupFields(const ConfigNode* start, const QStringList& fields) const
+QString Config::lookupFields(const ConfigNode* start, const QStringView* fields, qsizetype count) const
 {
-    auto field = [&fields](qsizetype i) { return i < fields.size() ? fields.at(i) : QString(); };
+    auto field = [fields, count](qsizetype i) { return i < count ? fields[i] : QStringView(); };
 
     struct Frame {
         const ConfigNode* element;
         qsizetype level;
         std::size_t nextChild;
     };
-    std::vector<Frame> path;
+    QVarLengthArray<Frame, 8> path;
 
     // Either answers from the element's attributes or leaves the element on
     // the path so that its children are searched.
     auto visit = [&](const ConfigNode* element, qsizetype level) -> QString {
-        if (element->tagName() != field(level))
+        const QString& tag = element->tagName();
+        const QStringView wanted = field(level);
+        if (tag.size() != wanted.size() || QStringView(tag) != wanted)
             return {};
         if (field(level + 2).isEmpty())
             return element->attribute(field(level + 1));

@@ -5,9 +5,10 @@
 
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 
-#include <fstream>
 #include <memory>
+#include <string>
 
 namespace libconfig {
 
@@ -45,14 +46,13 @@ public:
 protected:
     QString fileName;
     QString fileType;
-    std::ifstream stream;
+    // The whole file, read at opening; the readers work on this copy.
     std::string content;
     std::size_t position = 0;
     std::unique_ptr<ConfigNode> documentRoot;
 
 private:
-    int readChar();
-    QString lookupFields(const ConfigNode* start, const QStringList& fields) const;
+    QString lookupFields(const ConfigNode* start, const QStringView* fields, qsizetype count) const;
 };
 
 } // namespace libconfig

@@ -33,28 +33,77 @@ const QList<std::pair<QString, QString>>& ConfigNode::attributes() const
     return m_attributes;
 }
 
+namespace {
+
+// Up to this many attributes a group is searched by a scan; the index is
+// built when the group grows past it.
+constexpr qsizetype scannedAttributes = 32;
+
+} // namespace
+
+qsizetype ConfigNode::indexOf(const QString& name) const
+{
+    if (m_attributes.size() > scannedAttributes) {
+        const auto found = m_attributeIndex.constFind(name);
+        return found == m_attributeIndex.cend() ? -1 : found.value();
+    }
+    return scanFor(name);
+}
+
+qsizetype ConfigNode::indexOf(QStringView name) const
+{
+    if (m_attributes.size() > scannedAttributes)
+        return indexOf(name.toString());
+    return scanFor(name);
+}
+
+qsizetype ConfigNode::scanFor(QStringView name) const
+{
+    for (qsizetype i = 0; i < m_attributes.size(); ++i) {
+        const QString& candidate = m_attributes.at(i).first;
+        // The length test first: most names differ in it, and it spares the call.
+        if (candidate.size() == name.size() && QStringView(candidate) == name)
+            return i;
+    }
+    return -1;
+}
+
 bool ConfigNode::hasAttribute(const QString& name) const
 {
-    return m_attributeIndex.contains(name);
+    return indexOf(name) >= 0;
 }
 
 QString ConfigNode::attribute(const QString& name) const
 {
-    const auto found = m_attributeIndex.constFind(name);
-    if (found == m_attributeIndex.cend())
+    const qsizetype at = indexOf(name);
+    if (at < 0)
         return QStringLiteral("");
-    return m_attributes.at(found.value()).second;
+    return m_attributes.at(at).second;
+}
+
+QString ConfigNode::attribute(QStringView name) const
+{
+    const qsizetype at = indexOf(name);
+    if (at < 0)
+        return QStringLiteral("");
+    return m_attributes.at(at).second;
 }
 
 void ConfigNode::setAttribute(const QString& name, const QString& value)
 {
-    const auto found = m_attributeIndex.constFind(name);
-    if (found != m_attributeIndex.cend()) {
-        m_attributes[found.value()].second = value;
+    const qsizetype at = indexOf(name);
+    if (at >= 0) {
+        m_attributes[at].second = value;
         return;
     }
-    m_attributeIndex.insert(name, m_attributes.size());
     m_attributes.append({name, value});
+    if (m_attributes.size() == scannedAttributes + 1) {
+        m_attributeIndex.reserve(2 * m_attributes.size());
+        for (qsizetype i = 0; i < m_attributes.size(); ++i)
+            m_attributeIndex.insert(m_attributes.at(i).first, i);
+    } else if (m_attributes.size() > scannedAttributes + 1) {
+        m_attributeIndex.insert(name, m_attributes.size() - 1);
+    }
 }
 
 ConfigNode* ConfigNode::appendChild(std::unique_ptr<ConfigNode> child)

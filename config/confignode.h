@@ -29,6 +29,7 @@ public:
     const QList<std::pair<QString, QString>>& attributes() const;
     bool hasAttribute(const QString& name) const;
     QString attribute(const QString& name) const;
+    QString attribute(QStringView name) const;
     // A name set twice keeps its first position and takes the later value.
     void setAttribute(const QString& name, const QString& value);
 
@@ -38,10 +39,16 @@ public:
     ConfigNode* parent() const;
 
 private:
+    // Position of the attribute of that name, or -1.
+    qsizetype indexOf(const QString& name) const;
+    qsizetype indexOf(QStringView name) const;
+    qsizetype scanFor(QStringView name) const;
+
     QString m_tagName;
     QList<std::pair<QString, QString>> m_attributes;
-    // A group may carry many settings; the index keeps a repeated name from
-    // costing a scan of all earlier ones.
+    // A group may carry many settings; once it does, the index keeps a
+    // repeated name from costing a scan of all earlier ones. Groups of a
+    // usual size are scanned, which is cheaper than hashing every name.
     QHash<QString, qsizetype> m_attributeIndex;
     std::vector<std::unique_ptr<ConfigNode>> m_children;
     ConfigNode* m_parent = nullptr;

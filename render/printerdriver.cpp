@@ -7,7 +7,8 @@
 #include <QTextStream>
 
 #include <algorithm>
-#include <iostream>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -55,6 +56,16 @@ const DocumentType documentTypes[] = {
     {QLatin1StringView("sold"), QLatin1StringView("zentaro.solddoc.")},
 };
 
+// Diagnostics go to standard output, each as one line, flushed at once so
+// that they keep their place among anything else written there.
+void printLine(std::initializer_list<QByteArrayView> pieces)
+{
+    for (QByteArrayView piece : pieces)
+        std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
 ZTConfiguration* configurationInstance()
 {
     return SyncSingleton<ZTConfiguration>::instance();
@@ -90,7 +101,7 @@ void PrinterDriver::openStream(QIODevice::OpenMode mode)
         stream = std::make_unique<QTextStream>(file.get());
         stream->setEncoding(QStringConverter::System);
     } else {
-        std::cout << "PrintManager::printAbstractOrder(...): Unable To Open File" << std::endl;
+        printLine({"PrintManager::printAbstractOrder(...): Unable To Open File"});
     }
 }
 
@@ -137,10 +148,23 @@ QString PrinterDriver::documentPath(const QString& type)
         if (lowered == known.type)
             return known.prefix;
     }
-    std::cout << "Error into PrinterDriver::documentPath:  " << lowered.toLocal8Bit().constData()
-              << std::endl;
+    // The name is shown as a C string: it ends at its first NUL.
+    const QByteArray shown = lowered.toLocal8Bit();
+    printLine({"Error into PrinterDriver::documentPath:  ",
+               QByteArrayView(shown.constData(), qsizetype(std::strlen(shown.constData())))});
     return QStringLiteral("zentaro.prefiscaldoc.");
 }
+
+namespace {
+
+// A width far beyond any paper would only build lines the size of memory.
+int boundedWidth(int width)
+{
+    constexpr int widestLine = 4096;
+    return std::clamp(width, -widestLine, widestLine);
+}
+
+} // namespace
 
 int PrinterDriver::intSetting(const QString& keyWord) const
 {
@@ -150,29 +174,38 @@ int PrinterDriver::intSetting(const QString& keyWord) const
 
 int PrinterDriver::widthSetting(const QString& keyWord) const
 {
-    // A width far beyond any paper would only build lines the size of memory.
-    constexpr int widestLine = 4096;
-    return std::clamp(intSetting(keyWord), -widestLine, widestLine);
+    return boundedWidth(intSetting(keyWord));
 }
 
 void PrinterDriver::loadValues(const QString& type)
 {
     docPath = documentPath(type);
 
-    settings.quantityFieldWidth = widthSetting(QStringLiteral("quantityFieldWidth"));
-    settings.priceFieldWidth = widthSetting(QStringLiteral("priceFieldWidth"));
-    settings.totalPriceFieldWidth = widthSetting(QStringLiteral("totalPriceFieldWidth"));
-    settings.paperWidth = widthSetting(QStringLiteral("paperWidth"));
-    settings.paperRows = intSetting(QStringLiteral("paperRows"));
+    // All the keys share the document's prefix, so one buffer serves them
+    // all: only the setting's name after the prefix changes.
+    QString key;
+    key.reserve(docPath.size() + 32);
+    key.append(docPath);
+    const auto text = [this, &key](const char* keyWord) {
+        key.truncate(docPath.size());
+        key.append(QLatin1StringView(keyWord));
+        return config->getStrValue(key);
+    };
+    // Empty or malformed text reads as 0, as toInt reports it.
+    const auto number = [&text](const char* keyWord) { return text(keyWord).toInt(); };
+    const auto flag = [&text](const char* keyWord) { return text(keyWord) == QLatin1StringView("true"); };
+
+    settings.quantityFieldWidth = boundedWidth(number("quantityFieldWidth"));
+    settings.priceFieldWidth = boundedWidth(number("priceFieldWidth"));
+    settings.totalPriceFieldWidth = boundedWidth(number("totalPriceFieldWidth"));
+    settings.paperWidth = boundedWidth(number("paperWidth"));
+    settings.paperRows = number("paperRows");
     if (settings.paperWidth == 0)
         settings.paperWidth = int(getPaperWidth());
 
     // The style is read with the other settings but no document uses it.
-    config->getStrValue(docPath + QStringLiteral("style"));
+    text("style");
 
-    const auto flag = [this](const char* keyWord) {
-        return config->getStrValue(docPath + QLatin1StringView(keyWord)) == QLatin1StringView("true");
-    };
     settings.printGeometry = flag("printGeometry");
     settings.printHeader = flag("printHeader");
     settings.printLogo = flag("printLogo");
@@ -217,7 +250,7 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
         return true;
     }
 
-    std::cout << "File Format Not Supported" << std::endl;
+    printLine({"File Format Not Supported"});
     currentMethod = QLatin1String("");
     currentPrint = nullptr;
     return false;
