@@ -66,11 +66,7 @@ void PrinterDriver::printFullOrder(const QString& qName, const QXmlStreamAttribu
         // Items whose name begins with "=" are internal and never printed.
         if (name.startsWith(QLatin1Char('=')))
             return;
-        printItemColumnsHeader(true);
-        println(descriptionRow(value(atts, QLatin1StringView("number")), name,
-                               value(atts, QLatin1StringView("price")),
-                               value(atts, QLatin1StringView("totalPrice")), dot,
-                               QStringLiteral("qdpt")));
+        printPricedItem(atts, u"qdpt");
     } else if (qName == QLatin1StringView("variant")) {
         println(descriptionRow(value(atts, QLatin1StringView("number")),
                                variantText(value(atts, QLatin1StringView("quantity")),
@@ -81,9 +77,7 @@ void PrinterDriver::printFullOrder(const QString& qName, const QXmlStreamAttribu
     } else if (qName == QLatin1StringView("total")) {
         println(QString());
         setBold();
-        println(descriptionRow(QString(), tr("TOTAL"), QString(),
-                               value(atts, QLatin1StringView("price")), dot,
-                               QStringLiteral("qdpt")));
+        printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("price")));
     }
 }
 

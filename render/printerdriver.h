@@ -137,8 +137,10 @@ protected:
     int widthSetting(const QString& keyWord) const;
     void labelLine(const QString& label, const QString& text);
     void printItemColumnsHeader(bool withUnitPrice);
-    void printInvoiceTotals(const QXmlStreamAttributes& atts);
+    void printPricedItem(const QXmlStreamAttributes& atts, QStringView layout);
     void printAbstractItem(const QXmlStreamAttributes& atts);
+    void printTotalLine(const QString& label, QStringView amount);
+    void printInvoiceTotals(const QXmlStreamAttributes& atts);
 
     ZTConfiguration* config;
     QString currentMethod;

@@ -17,15 +17,10 @@ void PrinterDriver::printFullOrderReceipt(const QString& qName, const QXmlStream
     if (qName == QLatin1StringView("customer")) {
         printCustomerHeader(atts);
     } else if (qName == QLatin1StringView("receipe")) {
-        printItemColumnsHeader(true);
-        println(descriptionRow(atts.value(QLatin1StringView("number")),
-                               atts.value(QLatin1StringView("name")),
-                               atts.value(QLatin1StringView("price")),
-                               atts.value(QLatin1StringView("totalPrice")), dot, qxdpt));
+        printPricedItem(atts, qxdpt);
     } else if (qName == QLatin1StringView("total")) {
         println(QString());
-        println(descriptionRow(QString(), tr("TOTAL"), QString(),
-                               value(atts, QLatin1StringView("price")), dot, qdpt));
+        printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("price")));
     } else if (qName == QLatin1StringView("notPaid")) {
         println(QString());
         println(tr("    Amount not paid: ") + value(atts, QLatin1StringView("price")));
@@ -40,28 +35,35 @@ void PrinterDriver::printFullOrderInvoice(const QString& qName, const QXmlStream
     if (qName == QLatin1StringView("customer")) {
         printCustomerHeader(atts);
     } else if (qName == QLatin1StringView("receipe")) {
-        printItemColumnsHeader(true);
-        println(descriptionRow(value(atts, QLatin1StringView("number")),
-                               value(atts, QLatin1StringView("name")),
-                               value(atts, QLatin1StringView("price")),
-                               value(atts, QLatin1StringView("totalPrice")), dot, qdpt));
+        printPricedItem(atts, qdpt);
     } else if (qName == QLatin1StringView("totals")) {
         printInvoiceTotals(atts);
     }
+}
+
+void PrinterDriver::printPricedItem(const QXmlStreamAttributes& atts, QStringView layout)
+{
+    printItemColumnsHeader(true);
+    println(descriptionRow(atts.value(QLatin1StringView("number")),
+                           atts.value(QLatin1StringView("name")),
+                           atts.value(QLatin1StringView("price")),
+                           atts.value(QLatin1StringView("totalPrice")), dot, layout));
+}
+
+// A dotted leader from the title to the amount in the total column.
+void PrinterDriver::printTotalLine(const QString& label, QStringView amount)
+{
+    println(descriptionRow(QString(), label, QString(), amount, dot, qdpt));
 }
 
 void PrinterDriver::printInvoiceTotals(const QXmlStreamAttributes& atts)
 {
     setBold();
     println(QString());
-    println(descriptionRow(QString(), tr("Taxable"), QString(),
-                           value(atts, QLatin1StringView("taxable")), dot, qdpt));
-    println(descriptionRow(QString(), tr("TaxRate"), QString(),
-                           value(atts, QLatin1StringView("taxrate")), dot, qdpt));
-    println(descriptionRow(QString(), tr("Tax"), QString(), value(atts, QLatin1StringView("tax")),
-                           dot, qdpt));
-    println(descriptionRow(QString(), tr("TOTAL"), QString(),
-                           value(atts, QLatin1StringView("total")), dot, qdpt));
+    printTotalLine(tr("Taxable"), atts.value(QLatin1StringView("taxable")));
+    printTotalLine(tr("TaxRate"), atts.value(QLatin1StringView("taxrate")));
+    printTotalLine(tr("Tax"), atts.value(QLatin1StringView("tax")));
+    printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("total")));
     setCharSize();
 }
 
@@ -85,8 +87,7 @@ void PrinterDriver::printAbstractOrderReceipt(const QString& qName,
         printAbstractItem(atts);
     } else if (qName == QLatin1StringView("total")) {
         println(QString());
-        println(descriptionRow(QString(), tr("TOTAL"), QString(),
-                               value(atts, QLatin1StringView("price")), dot, qdpt));
+        printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("price")));
     } else if (qName == QLatin1StringView("notPaid")) {
         println(QString());
         // This title is printed as it stands, in every language.
