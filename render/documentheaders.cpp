@@ -12,7 +12,8 @@ void PrinterDriver::printGeometry(const QXmlStreamAttributes&)
 {
     if (!settings.printGeometry)
         return;
-    const int topMargin = intSetting(QStringLiteral("topMargin"));
+    // Bounded like the widths: a runaway margin would only fill the disk.
+    const int topMargin = widthSetting(QStringLiteral("topMargin"));
     for (int i = 0; i < topMargin; ++i)
         println(QString());
 }

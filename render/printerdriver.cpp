@@ -158,6 +158,7 @@ QString PrinterDriver::documentPath(const QString& type)
 namespace {
 
 // A width far beyond any paper would only build lines the size of memory.
+// Kept as the setting says within the bound, negative widths included.
 int boundedWidth(int width)
 {
     constexpr int widestLine = 4096;
