@@ -12,8 +12,8 @@ void PrinterDriver::printGeometry(const QXmlStreamAttributes&)
 {
     if (!settings.printGeometry)
         return;
-    // Bounded like the widths: a runaway margin would only fill the disk.
-    const int topMargin = widthSetting(QStringLiteral("topMargin"));
+    // A runaway margin would only fill the disk.
+    const int topMargin = boundedSetting(QStringLiteral("topMargin"));
     for (int i = 0; i < topMargin; ++i)
         println(QString());
 }

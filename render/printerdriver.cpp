@@ -173,7 +173,7 @@ int PrinterDriver::intSetting(const QString& keyWord) const
     return config->getStrValue(docPath + keyWord).toInt();
 }
 
-int PrinterDriver::widthSetting(const QString& keyWord) const
+int PrinterDriver::boundedSetting(const QString& keyWord) const
 {
     return boundedWidth(intSetting(keyWord));
 }

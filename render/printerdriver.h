@@ -134,7 +134,7 @@ public:
 protected:
     static QString value(const QXmlStreamAttributes& atts, QLatin1StringView name);
     int intSetting(const QString& keyWord) const;
-    int widthSetting(const QString& keyWord) const;
+    int boundedSetting(const QString& keyWord) const;
     void labelLine(const QString& label, const QString& text);
     void printItemColumnsHeader(bool withUnitPrice);
     void printPricedItem(const QXmlStreamAttributes& atts, QStringView layout);

@@ -113,7 +113,7 @@ void PrinterDriver::printAbstractOrderInvoice(const QString& qName,
 void PrinterDriver::printFullOrderFiscal(const QString& qName, const QXmlStreamAttributes& atts)
 {
     // Read for every element, so that the setting of the document in force applies.
-    int descriptionWidth = widthSetting(QStringLiteral("descriptionWidth"));
+    int descriptionWidth = boundedSetting(QStringLiteral("descriptionWidth"));
     if (descriptionWidth == 0)
         descriptionWidth = int(getPaperWidth());
 
