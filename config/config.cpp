@@ -149,12 +149,14 @@ bool Config::openFile()
 
 bool Config::openFile(const QString& name)
 {
+    // A stream that cannot be opened reads as an empty file, whatever an
+    // earlier file left in it.
+    closeFile();
     const int fd = ::open(QFile::encodeName(name).constData(), O_RDONLY | O_CLOEXEC);
     if (fd >= 0) {
         // One read of the whole file; the reader then works on memory.
-        content = readAll(fd);
+        stream = {readAll(fd), 0};
         ::close(fd);
-        position = 0;
         return true;
     }
     const QByteArray shown = name.toLocal8Bit();
@@ -162,19 +164,19 @@ bool Config::openFile(const QString& name)
     return false;
 }
 
-// The file is closed as soon as it was read, so nothing is left open.
 void Config::closeFile()
 {
+    stream = {};
 }
 
 bool Config::jump(char c)
 {
-    const std::size_t found = content.find(c, position);
+    const std::size_t found = stream.bytes.find(c, stream.position);
     if (found == std::string::npos) {
-        position = content.size();
+        stream.position = stream.bytes.size();
         return false;
     }
-    position = found + 1;
+    stream.position = found + 1;
     return true;
 }
 
@@ -210,11 +212,11 @@ void Config::loadFile()
     const auto value = [](const char* begin, const char* end) {
         return cfgText(cfgBytes(begin, end), true);
     };
-    const char* const data = content.data();
-    const std::size_t size = content.size();
+    const char* const data = stream.bytes.data();
+    const std::size_t size = stream.bytes.size();
     // The reader keeps its place in a local while it scans, and leaves it
-    // in position when it stops.
-    std::size_t at = position;
+    // in the stream when it stops.
+    std::size_t at = stream.position;
     auto skipPast = [&](char c) {
         const void* found = std::memchr(data + at, c, size - at);
         at = found ? std::size_t(static_cast<const char*>(found) - data) + 1 : size;
@@ -251,7 +253,8 @@ void Config::loadFile()
             skipPast(';');
             textBegin = at;
             if (open.size() == 1) {
-                position = at;
+                // Reading ends here; the rest of the file stays unread until closing.
+                stream.position = at;
                 return;
             }
             open.pop_back();
@@ -260,7 +263,6 @@ void Config::loadFile()
             break;
         }
     }
-    position = at;
     closeFile();
 }
 

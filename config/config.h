@@ -46,9 +46,13 @@ public:
 protected:
     QString fileName;
     QString fileType;
-    // The whole file, read at opening; the readers work on this copy.
-    std::string content;
-    std::size_t position = 0;
+    // The "cfg" reader's input: the whole file is read when it is opened,
+    // and the reader keeps its place in it. Closing releases the bytes.
+    struct ByteStream {
+        std::string bytes;
+        std::size_t position = 0;
+    };
+    ByteStream stream;
     std::unique_ptr<ConfigNode> documentRoot;
 
 private:

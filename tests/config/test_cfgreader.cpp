@@ -166,7 +166,7 @@ TEST(CfgReader, ReadFileAgainReplacesDocument)
     ASSERT_TRUE(dir.isValid());
     const QString first = dir.filePath(QStringLiteral("first.conf"));
     const QString second = dir.filePath(QStringLiteral("second.conf"));
-    ASSERT_TRUE(writeBytes(first, "zentaro:{a=1;};\n};\nignored"));
+    ASSERT_TRUE(writeBytes(first, "zentaro:{a=1;};\n};\nzentaro:{c=3;};"));
     ASSERT_TRUE(writeBytes(second, "zentaro:{b=2;};"));
 
     Config config(first, QStringLiteral("cfg"));
@@ -177,6 +177,13 @@ TEST(CfgReader, ReadFileAgainReplacesDocument)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(config.lookup(QStringLiteral("zentaro.a")), QStringLiteral(""));
     EXPECT_EQ(config.lookup(QStringLiteral("zentaro.b")), QStringLiteral("2"));
+
+    // A file that cannot be opened reads as empty, not as what is left of the last one.
+    config.readFile(first, QStringLiteral("cfg"));
+    testing::internal::CaptureStdout();
+    config.readFile(dir.filePath(QStringLiteral("missing.conf")), QStringLiteral("cfg"));
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(config.document()->children().size(), 0u);
 }
 
 // Nesting depth is under the file's control; reading, searching and freeing
