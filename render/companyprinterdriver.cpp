@@ -1,6 +1,5 @@
 #include "companyprinterdriver.h"
 
-#include <QTextStream>
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include "ztconfiguration.h"
 
 #include <QFile>
-#include <QTextStream>
 
 #include <algorithm>
 #include <cstdio>
@@ -98,8 +97,7 @@ PrinterDriver::~PrinterDriver()
 void PrinterDriver::openStream(QIODevice::OpenMode mode)
 {
     if (file->isOpen() || file->open(mode)) {
-        stream = std::make_unique<QTextStream>(file.get());
-        stream->setEncoding(QStringConverter::System);
+        stream = std::make_unique<TextOutput>(file.get());
     } else {
         printLine({"PrintManager::printAbstractOrder(...): Unable To Open File"});
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "saxreader.h"
+#include "textoutput.h"
 
 #include <QCoreApplication>
 #include <QIODevice>
@@ -9,7 +10,6 @@
 
 #include <memory>
 
-class QTextStream;
 class ZTConfiguration;
 
 // Settings of one document type, read from "<prefix><key word>" keys; each
@@ -145,7 +145,7 @@ protected:
     ZTConfiguration* config;
     QString currentMethod;
     std::unique_ptr<QIODevice> file;
-    std::unique_ptr<QTextStream> stream;
+    std::unique_ptr<TextOutput> stream;
     bool duplicate = false;
     bool oneTimeDone = false;
     QString justify;
