@@ -165,15 +165,10 @@ int boundedWidth(int width)
 
 } // namespace
 
-int PrinterDriver::intSetting(const QString& keyWord) const
-{
-    // Empty or malformed text reads as 0, as toInt reports it.
-    return config->getStrValue(docPath + keyWord).toInt();
-}
-
 int PrinterDriver::boundedSetting(const QString& keyWord) const
 {
-    return boundedWidth(intSetting(keyWord));
+    // Empty or malformed text reads as 0, as toInt reports it.
+    return boundedWidth(config->getStrValue(docPath + keyWord).toInt());
 }
 
 void PrinterDriver::loadValues(const QString& type)

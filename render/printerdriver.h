@@ -133,7 +133,6 @@ public:
 
 protected:
     static QString value(const QXmlStreamAttributes& atts, QLatin1StringView name);
-    int intSetting(const QString& keyWord) const;
     int boundedSetting(const QString& keyWord) const;
     void labelLine(const QString& label, const QString& text);
     void printItemColumnsHeader(bool withUnitPrice);

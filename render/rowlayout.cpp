@@ -44,16 +44,16 @@ QString PrinterDriver::descriptionRow(QStringView a1, QStringView a2, QStringVie
     QString row;
     row.reserve(qMax(w, 0) + a1.size() + a2.size() + a3.size() + a4.size() + 8);
 
-    if (layout == QLatin1StringView("qdpt")) {
+    const bool withTimes = layout == QLatin1StringView("qxdpt");
+    if (withTimes || layout == QLatin1StringView("qdpt")) {
+        // "qxdpt" writes " x " after the quantity and so has a description
+        // two characters narrower than "qdpt".
         appendRight(row, a1, q, blank);
-        row.append(blank);
-        appendDescription(row, a2, w - q - p - t - 1, fill);
-        appendRight(row, a3, p, fill);
-        appendRight(row, a4, t, blank);
-    } else if (layout == QLatin1StringView("qxdpt")) {
-        appendRight(row, a1, q, blank);
-        row.append(times);
-        appendDescription(row, a2, w - q - p - t - 3, fill);
+        if (withTimes)
+            row.append(times);
+        else
+            row.append(blank);
+        appendDescription(row, a2, w - q - p - t - (withTimes ? 3 : 1), fill);
         appendRight(row, a3, p, fill);
         appendRight(row, a4, t, blank);
     } else if (layout == QLatin1StringView("qxdtDoubleLine")) {
