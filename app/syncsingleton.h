@@ -1,5 +1,4 @@
-#ifndef SYNCSINGLETON_H
-#define SYNCSINGLETON_H
+#pragma once
 
 #include <QMutex>
 #include <QMutexLocker>
@@ -52,5 +51,3 @@ public:
     static inline QMutex instance_mutex;
     static inline Destroyer instance_destroyer;
 };
-
-#endif

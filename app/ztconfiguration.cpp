@@ -2,12 +2,25 @@
 
 #include <QDir>
 
+using namespace Qt::StringLiterals;
+
 ZTConfiguration::ZTConfiguration()
+    : ZTConfiguration(userFilePath())
 {
-    readFile(QDir::homePath() + QLatin1String("/.zentaro/conf/zentaro.conf"), QStringLiteral("cfg"));
+}
+
+ZTConfiguration::ZTConfiguration(const QString& path, const QString& fileType)
+{
+    readFile(path, fileType);
+}
+
+QString ZTConfiguration::userFilePath()
+{
+    return QDir::homePath() + "/.zentaro/conf/zentaro.conf"_L1;
 }
 
 namespace {
+
 bool isAscii(const QString& text)
 {
     for (QChar c : text)
@@ -15,7 +28,8 @@ bool isAscii(const QString& text)
             return false;
     return true;
 }
-}
+
+} // namespace
 
 QString ZTConfiguration::getStrValue(const QString& key) const
 {

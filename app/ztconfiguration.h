@@ -1,21 +1,25 @@
-#ifndef ZTCONFIGURATION_H
-#define ZTCONFIGURATION_H
+#pragma once
 
 #include "config.h"
 
 #include <QString>
 
-// The application configuration: the store loaded from the user's
-// $HOME/.zentaro/conf/zentaro.conf. Reached through
-// SyncSingleton<ZTConfiguration>.
+// The application configuration. The print run and the suite's tools reach
+// the user's own file, $HOME/.zentaro/conf/zentaro.conf, through
+// SyncSingleton<ZTConfiguration>; a tool or a test that works on another
+// file constructs one on that file and hands it to whatever reads settings.
 class ZTConfiguration : public libconfig::Config
 {
 public:
+    // The user's file, in the "cfg" format.
     ZTConfiguration();
+    // The file at `path`, in the format `fileType` ("cfg" or "xml").
+    explicit ZTConfiguration(const QString& path, const QString& fileType = QStringLiteral("cfg"));
+
+    // Where the user's file is: the home folder + "/.zentaro/conf/zentaro.conf".
+    static QString userFilePath();
 
     // The text of a dotted key such as "zentaro.logger.level"; empty when
     // the key is not set.
     QString getStrValue(const QString& key) const;
 };
-
-#endif

@@ -1,115 +1,33 @@
 #include "config.h"
 
+#include "diagnostics.h"
+#include "emptytext.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <QVarLengthArray>
 #include <QXmlStreamReader>
 
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <string>
+#include <optional>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace libconfig {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-// Callers tell a missing setting by its emptiness, but some also ask isNull(),
-// so "not found" is always an empty string that is not null.
-QString emptyText()
+// The whole of a file, or nothing when it is not a regular file that can be
+// read: a FIFO would block the run at open, and a directory or a device holds
+// no configuration.
+std::optional<QByteArray> readRegularFile(const QString& name)
 {
-    return QStringLiteral("");
-}
-
-// What each byte is to the "cfg" reader. White space is the C blanks plus
-// the ISO 8859-1 no-break space (not QString::trimmed(), which would also
-// take 0x85); ':', '=' and '}' are the only bytes the reader acts on between
-// texts. A table, because the reader asks once for every byte of the file.
-enum CfgClass : unsigned char { Other, Space, Structural };
-
-constexpr std::array<CfgClass, 256> cfgClasses = [] {
-    std::array<CfgClass, 256> table{};
-    for (unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'})
-        table[c] = Space;
-    table[0xA0] = Space;
-    for (unsigned char c : {':', '=', '}'})
-        table[c] = Structural;
-    return table;
-}();
-
-bool isCfgSpace(char c)
-{
-    return cfgClasses[static_cast<unsigned char>(c)] == Space;
-}
-
-// Names and values were once held in a C string, so a NUL ends them; the
-// rest is trimmed.
-QByteArrayView cfgBytes(const char* begin, const char* end)
-{
-    if (const void* nul = std::memchr(begin, '\0', std::size_t(end - begin)))
-        end = static_cast<const char*>(nul);
-    while (begin < end && isCfgSpace(*begin))
-        ++begin;
-    while (end > begin && isCfgSpace(end[-1]))
-        --end;
-    return QByteArrayView(begin, end - begin);
-}
-
-// The text of trimmed bytes, read as ISO 8859-1. A value also loses its
-// quotes, wherever they stand.
-QString cfgText(QByteArrayView bytes, bool dropQuotes)
-{
-    if (bytes.isEmpty())
-        return emptyText();
-    // ISO 8859-1 is the first 256 code points: each byte is its own
-    // character, so the text is copied straight into the string.
-    QString text(bytes.size(), Qt::Uninitialized);
-    char16_t* out = reinterpret_cast<char16_t*>(text.data());
-    char16_t* const first = out;
-    for (char c : bytes) {
-        if (dropQuotes && c == '"')
-            continue;
-        *out++ = static_cast<unsigned char>(c);
-    }
-    if (out - first != text.size())
-        text.resize(out - first);
-    return text;
-}
-
-// Diagnostics go to standard output, each as one line, flushed at once so
-// that they keep their place among anything else written there.
-void printLine(std::initializer_list<QByteArrayView> pieces)
-{
-    for (QByteArrayView piece : pieces)
-        std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
-
-// The whole of an open file. Only a regular file has a size to go by; any
-// other (a directory, a pipe, a device) reads as empty.
-std::string readAll(int fd)
-{
-    std::string bytes;
-    struct stat status;
-    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0)
-        return bytes;
-    bytes.resize(std::size_t(status.st_size));
-    std::size_t got = 0;
-    while (got < bytes.size()) {
-        const ssize_t n = ::read(fd, bytes.data() + got, bytes.size() - got);
-        if (n > 0)
-            got += std::size_t(n);
-        else if (n == 0 || errno != EINTR)
-            break;
-    }
-    bytes.resize(got);
-    return bytes;
+    if (!QFileInfo(name).isFile())
+        return std::nullopt;
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
 }
 
 } // namespace
@@ -131,15 +49,31 @@ void Config::readFile(const QString& fileName, const QString& fileType)
     constructor(fileName, fileType);
 }
 
-void Config::constructor(const QString& fileName, const QString& fileType)
+void Config::startDocument(const QString& fileName, const QString& fileType)
 {
     this->fileName = fileName;
     this->fileType = fileType;
     documentRoot = std::make_unique<ConfigNode>();
-    if (fileType == QLatin1String("cfg"))
+}
+
+void Config::constructor(const QString& fileName, const QString& fileType)
+{
+    startDocument(fileName, fileType);
+    if (fileType == "cfg"_L1)
         loadFile();
-    else if (fileType == QLatin1String("xml"))
+    else if (fileType == "xml"_L1)
         loadXmlFile();
+}
+
+void Config::readData(const QByteArray& bytes, const QString& fileType, const QString& fileName)
+{
+    startDocument(fileName, fileType);
+    if (fileType == "cfg"_L1) {
+        stream.open(bytes);
+        readCfgStream();
+    } else if (fileType == "xml"_L1) {
+        readXml(bytes);
+    }
 }
 
 bool Config::openFile()
@@ -149,133 +83,80 @@ bool Config::openFile()
 
 bool Config::openFile(const QString& name)
 {
-    // A stream that cannot be opened reads as an empty file, whatever an
-    // earlier file left in it.
+    // A file that cannot be opened reads as empty, whatever an earlier file
+    // left in the stream.
     closeFile();
-    const int fd = ::open(QFile::encodeName(name).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd >= 0) {
-        // One read of the whole file; the reader then works on memory.
-        stream = {readAll(fd), 0};
-        ::close(fd);
+    if (std::optional<QByteArray> bytes = readRegularFile(name)) {
+        stream.open(std::move(*bytes));
         return true;
     }
-    const QByteArray shown = name.toLocal8Bit();
-    printLine({"Error in the method FileReader::open( ", shown, " ): File Not Found"});
+    printDiagnostic({"Error in the method FileReader::open( ", name.toLocal8Bit(), " ): File Not Found"});
     return false;
 }
 
 void Config::closeFile()
 {
-    stream = {};
+    stream.close();
 }
 
 bool Config::jump(char c)
 {
-    const std::size_t found = stream.bytes.find(c, stream.position);
-    if (found == std::string::npos) {
-        stream.position = stream.bytes.size();
-        return false;
-    }
-    stream.position = found + 1;
-    return true;
+    return stream.skipPast(c);
 }
 
-// The "cfg" reader. Groups nest as deep as the file says, so the open groups
-// are kept on an explicit stack rather than in recursive calls. A group's
-// element is held aside and enters the tree only when its first member (a
-// setting or a nested group's ':') is met: a group with no members never
-// appears.
 void Config::loadFile()
 {
     openFile();
+    readCfgStream();
+}
 
-    struct OpenGroup {
-        std::unique_ptr<ConfigNode> unattached; // owns the element until it enters the tree
-        ConfigNode* element;
-    };
-    std::vector<OpenGroup> open;
-    auto fileElement = std::make_unique<ConfigNode>(fileName);
-    ConfigNode* fileRaw = fileElement.get();
-    open.push_back({std::move(fileElement), fileRaw});
-
-    auto attachInnermost = [&] {
-        OpenGroup& group = open.back();
-        if (!group.unattached)
-            return;
-        ConfigNode* parent = open.size() == 1 ? documentRoot.get() : open[open.size() - 2].element;
-        parent->appendChild(std::move(group.unattached));
-    };
-
-    const auto name = [](const char* begin, const char* end) {
-        return cfgText(cfgBytes(begin, end), false);
-    };
-    const auto value = [](const char* begin, const char* end) {
-        return cfgText(cfgBytes(begin, end), true);
-    };
-    const char* const data = stream.bytes.data();
-    const std::size_t size = stream.bytes.size();
-    // The reader keeps its place in a local while it scans, and leaves it
-    // in the stream when it stops.
-    std::size_t at = stream.position;
-    auto skipPast = [&](char c) {
-        const void* found = std::memchr(data + at, c, size - at);
-        at = found ? std::size_t(static_cast<const char*>(found) - data) + 1 : size;
-    };
-    std::size_t textBegin = at; // everything since the last structural character
-    while (at < size) {
-        while (at < size && cfgClasses[static_cast<unsigned char>(data[at])] != Structural)
-            ++at;
-        if (at == size)
+// The "cfg" grammar knows three structural characters; the text before each
+// is the name it applies to:
+//   name ':' ... '{'     opens a group (whatever stands before the '{' is skipped)
+//   name '=' value ';'   sets a key in the innermost open group
+//   '}' ... ';'          closes the innermost group; at the top level it ends the file
+// There are no comments and no escapes, and no syntax errors: every fault
+// in the text has the effect these steps give it.
+void Config::readCfgStream()
+{
+    CfgTreeBuilder tree(*documentRoot, fileName);
+    char structural = '\0';
+    while (!stream.atEnd()) {
+        const QByteArrayView text = stream.readText(structural);
+        switch (structural) {
+        case ':':
+            jump('{');
+            tree.openGroup(cfgName(text));
             break;
-        switch (data[at++]) {
-        case ':': {
-            const QString groupName = name(data + textBegin, data + at - 1);
-            skipPast('{');
-            attachInnermost();
-            auto group = std::make_unique<ConfigNode>(groupName);
-            ConfigNode* raw = group.get();
-            open.push_back({std::move(group), raw});
-            textBegin = at;
+        case '=':
+            tree.setSetting(cfgName(text), cfgValue(stream.readValue()));
             break;
-        }
-        case '=': {
-            const QString key = name(data + textBegin, data + at - 1);
-            const void* semicolon = std::memchr(data + at, ';', size - at);
-            const std::size_t end = semicolon ? std::size_t(static_cast<const char*>(semicolon) - data) : size;
-            const QString text = value(data + at, data + end);
-            at = end < size ? end + 1 : end;
-            open.back().element->setAttribute(key, text);
-            attachInnermost();
-            textBegin = at;
-            break;
-        }
         case '}':
-            skipPast(';');
-            textBegin = at;
-            if (open.size() == 1) {
-                // Reading ends here; the rest of the file stays unread until closing.
-                stream.position = at;
+            jump(';');
+            // The rest of the file stays unread until the stream is closed.
+            if (!tree.closeGroup())
                 return;
-            }
-            open.pop_back();
             break;
         default:
-            break;
+            break; // text after the last structural character is not kept
         }
     }
     closeFile();
 }
 
+void Config::loadXmlFile()
+{
+    // A missing or unreadable file loads nothing and reports nothing.
+    if (std::optional<QByteArray> bytes = readRegularFile(fileName))
+        readXml(*bytes);
+}
+
 // The "xml" reader: elements become groups, attributes become settings;
 // text, comments and processing instructions are not kept. The file element
 // enters the tree only when the whole file parsed.
-void Config::loadXmlFile()
+void Config::readXml(const QByteArray& bytes)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-
-    QXmlStreamReader xml(&file);
+    QXmlStreamReader xml(bytes);
     xml.setNamespaceProcessing(false);
 
     auto fileElement = std::make_unique<ConfigNode>(fileName);

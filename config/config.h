@@ -1,14 +1,13 @@
-#ifndef LIBCONFIG_CONFIG_H
-#define LIBCONFIG_CONFIG_H
+#pragma once
 
+#include "cfgreader.h"
 #include "confignode.h"
 
+#include <QByteArray>
 #include <QString>
-#include <QStringList>
 #include <QStringView>
 
 #include <memory>
-#include <string>
 
 namespace libconfig {
 
@@ -27,6 +26,9 @@ public:
 
     void readFile(const QString& fileName, const QString& fileType);
     void constructor(const QString& fileName, const QString& fileType);
+    // Reads configuration text held in memory exactly as readFile reads a
+    // file of that name and format.
+    void readData(const QByteArray& bytes, const QString& fileType, const QString& fileName = {});
 
     bool openFile();
     bool openFile(const QString& name);
@@ -46,19 +48,14 @@ public:
 protected:
     QString fileName;
     QString fileType;
-    // The "cfg" reader's input: the whole file is read when it is opened,
-    // and the reader keeps its place in it. Closing releases the bytes.
-    struct ByteStream {
-        std::string bytes;
-        std::size_t position = 0;
-    };
-    ByteStream stream;
+    CfgStream stream;
     std::unique_ptr<ConfigNode> documentRoot;
 
 private:
+    void startDocument(const QString& fileName, const QString& fileType);
+    void readCfgStream();
+    void readXml(const QByteArray& bytes);
     QString lookupFields(const ConfigNode* start, const QStringView* fields, qsizetype count) const;
 };
 
 } // namespace libconfig
-
-#endif

@@ -1,5 +1,7 @@
 #include "confignode.h"
 
+#include "emptytext.h"
+
 namespace libconfig {
 
 ConfigNode::ConfigNode(QString tagName)
@@ -77,7 +79,7 @@ QString ConfigNode::attribute(const QString& name) const
 {
     const qsizetype at = indexOf(name);
     if (at < 0)
-        return QStringLiteral("");
+        return emptyText();
     return m_attributes.at(at).second;
 }
 
@@ -85,7 +87,7 @@ QString ConfigNode::attribute(QStringView name) const
 {
     const qsizetype at = indexOf(name);
     if (at < 0)
-        return QStringLiteral("");
+        return emptyText();
     return m_attributes.at(at).second;
 }
 

@@ -1,5 +1,4 @@
-#ifndef LIBCONFIG_CONFIGNODE_H
-#define LIBCONFIG_CONFIGNODE_H
+#pragma once
 
 #include <QHash>
 #include <QList>
@@ -55,5 +54,3 @@ private:
 };
 
 } // namespace libconfig
-
-#endif

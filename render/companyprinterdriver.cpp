@@ -1,5 +1,8 @@
 #include "companyprinterdriver.h"
 
+#include "emptytext.h"
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -8,23 +11,23 @@ constexpr unsigned deviceWidth = 32;
 // device's unsigned pad arithmetic would wrap, so such lines stay unpadded.
 constexpr qsizetype longestCentredLine = deviceWidth + 7;
 
-const QLatin1StringView fiscalLineEnd("\r\n");
+constexpr QLatin1StringView fiscalLineEnd("\r\n");
+constexpr QLatin1StringView lineClose("\"@\n");
 
 // Looks for the reserved word by its first letter, which plain item text
 // rarely holds; a general substring search costs more than the rest of print.
 bool containsTotale(QStringView text)
 {
-    for (qsizetype i = text.indexOf(QLatin1Char('T')); i >= 0;
-         i = text.indexOf(QLatin1Char('T'), i + 1)) {
-        if (text.sliced(i).startsWith(QLatin1StringView("TOTALE")))
+    for (qsizetype i = text.indexOf(u'T'); i >= 0; i = text.indexOf(u'T', i + 1)) {
+        if (text.sliced(i).startsWith("TOTALE"_L1))
             return true;
     }
     return false;
 }
 
-QString commaDecimal(QString text)
+QString commaDecimal(QStringView text)
 {
-    return text.replace(QLatin1Char('.'), QLatin1Char(','));
+    return text.toString().replace(u'.', u',');
 }
 
 // Reads the leading number of a decimal-comma text ("12,50", "-0,50") the way
@@ -35,17 +38,17 @@ double leadingCommaNumber(const QString& text)
     while (i < text.size() && text.at(i).isSpace())
         ++i;
     QString number;
-    if (i < text.size() && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+')))
+    if (i < text.size() && (text.at(i) == u'-' || text.at(i) == u'+'))
         number += text.at(i++);
     bool seenComma = false;
     bool seenDigit = false;
     for (; i < text.size(); ++i) {
         const QChar c = text.at(i);
-        if (c >= QLatin1Char('0') && c <= QLatin1Char('9')) {
+        if (c >= u'0' && c <= u'9') {
             number += c;
             seenDigit = true;
-        } else if (c == QLatin1Char(',') && !seenComma) {
-            number += QLatin1Char('.');
+        } else if (c == u',' && !seenComma) {
+            number += u'.';
             seenComma = true;
         } else {
             break;
@@ -56,13 +59,15 @@ double leadingCommaNumber(const QString& text)
 
 } // namespace
 
-CompanyPrinterDriver::CompanyPrinterDriver(const QString& fileName)
-    : PrinterDriver(fileName, false), line(QLatin1String(""))
+CompanyPrinterDriver::CompanyPrinterDriver(const QString& fileName,
+                                           const ZTConfiguration* configuration)
+    : PrinterDriver(fileName, false, configuration), line(emptyText())
 {
 }
 
-CompanyPrinterDriver::CompanyPrinterDriver(std::unique_ptr<QIODevice> device)
-    : PrinterDriver(std::move(device)), line(QLatin1String(""))
+CompanyPrinterDriver::CompanyPrinterDriver(std::unique_ptr<QIODevice> device,
+                                           const ZTConfiguration* configuration)
+    : PrinterDriver(std::move(device), configuration), line(emptyText())
 {
 }
 
@@ -75,17 +80,17 @@ void CompanyPrinterDriver::setBold() {}
 
 void CompanyPrinterDriver::setCharSize()
 {
-    justify = QStringLiteral("left");
+    justify = u"left"_s;
 }
 
 void CompanyPrinterDriver::setCharSize(int)
 {
-    justify = QStringLiteral("left");
+    justify = u"left"_s;
 }
 
 void CompanyPrinterDriver::setCenterJustify()
 {
-    justify = QStringLiteral("center");
+    justify = u"center"_s;
 }
 
 void CompanyPrinterDriver::fullCut() {}
@@ -94,13 +99,7 @@ void CompanyPrinterDriver::generatePulse() {}
 
 void CompanyPrinterDriver::printLogo() {}
 
-bool CompanyPrinterDriver::isFiscal() const
-{
-    return currentMethod == QLatin1StringView("printAbstractOrderFiscal")
-        || currentMethod == QLatin1StringView("printFullOrderFiscal");
-}
-
-void CompanyPrinterDriver::write(const QString& text)
+void CompanyPrinterDriver::write(QStringView text)
 {
     // Without an output file the run goes on and its lines are dropped.
     if (stream)
@@ -109,43 +108,40 @@ void CompanyPrinterDriver::write(const QString& text)
 
 void CompanyPrinterDriver::startSection()
 {
-    write(QStringLiteral("\n"));
+    write(u"\n");
     if (isFiscal())
         return;
-    write(QStringLiteral("j\n"));
-    line = QStringLiteral("\"");
+    write(u"j\n");
+    line = u"\""_s;
 }
 
 void CompanyPrinterDriver::endSection()
 {
-    write(isFiscal() ? QStringLiteral("1T\n") : QStringLiteral("J\n"));
+    write(isFiscal() ? u"1T\n" : u"J\n");
 }
 
 void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     // The device reserves the word TOTALE: it must reach the paper as SOMMA.
     if (indent)
-        line.resize(line.size() + qsizetype(indent), QLatin1Char(' '));
-    if (containsTotale(text)) {
-        QString copy = text;
-        copy.replace(QLatin1StringView("TOTALE"), QLatin1StringView("SOMMA"));
-        line.append(copy);
-    } else {
+        line.resize(line.size() + qsizetype(indent), u' ');
+    if (containsTotale(text))
+        line.append(QString(text).replace("TOTALE"_L1, "SOMMA"_L1));
+    else
         line.append(text);
-    }
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
 {
     print(indent, text);
-    line.append(QLatin1StringView("\"@\n"));
-    if (justify == QLatin1StringView("center") && line.size() <= longestCentredLine) {
+    line.append(lineClose);
+    if (justify == "center"_L1 && line.size() <= longestCentredLine) {
         const qsizetype pad = (longestCentredLine - line.size()) / 2;
-        line.insert(1, QString(pad, QLatin1Char(' ')));
+        line.insert(1, QString(pad, u' '));
     }
     write(line);
     line.resize(0);
-    line.append(QLatin1Char('"'));
+    line.append(u'"');
 }
 
 void CompanyPrinterDriver::println(const QString& text)
@@ -156,15 +152,14 @@ void CompanyPrinterDriver::println(const QString& text)
 void CompanyPrinterDriver::writeFiscalItem(const QString& department, const QString& quantity,
                                            const QString& description, const QString& price)
 {
-    write(QLatin1Char('"') + description + QLatin1Char('"') + quantity + QLatin1Char('*')
-          + commaDecimal(price) + QLatin1Char('H') + department);
+    write(u'"' + description + u'"' + quantity + u'*' + commaDecimal(price) + u'H' + department);
 }
 
 void CompanyPrinterDriver::printRowFiscal(const QString& department, const QString& quantity,
                                           const QString& description, const QString& price)
 {
     writeFiscalItem(department, quantity, description, price);
-    write(QLatin1String("R") + fiscalLineEnd);
+    write(u"R\r\n");
 }
 
 void CompanyPrinterDriver::printRowFiscal(const QString& department, const QString& quantity,
@@ -172,28 +167,27 @@ void CompanyPrinterDriver::printRowFiscal(const QString& department, const QStri
                                           const QString& adjustment)
 {
     writeFiscalItem(department, quantity, description, price);
-    const bool discount = adjustment.startsWith(QLatin1Char('-'));
-    write(QLatin1Char('R') + commaDecimal(adjustment)
-          + (discount ? QLatin1StringView("*5M") : QLatin1StringView("*1M")) + fiscalLineEnd);
+    const bool discount = adjustment.startsWith(u'-');
+    write(u"R"_s + commaDecimal(adjustment) + (discount ? "*5M"_L1 : "*1M"_L1) + fiscalLineEnd);
 }
 
-void CompanyPrinterDriver::printRowFiscal(const QString& name, const QXmlStreamAttributes& atts)
+void CompanyPrinterDriver::printRowFiscal(const QString& name, const XmlAttributes& atts)
 {
-    const QString cash = commaDecimal(value(atts, QLatin1StringView("cash")));
-    const QString creditCard = commaDecimal(value(atts, QLatin1StringView("creditCard")));
-    const QString cheque = commaDecimal(value(atts, QLatin1StringView("cheque")));
-    const QString ticket = commaDecimal(value(atts, QLatin1StringView("ticket")));
-    const QString discountRate = commaDecimal(value(atts, QLatin1StringView("discountRate")));
-    if (name != QLatin1StringView("totals"))
+    const QString cash = commaDecimal(atts.value("cash"_L1));
+    const QString creditCard = commaDecimal(atts.value("creditCard"_L1));
+    const QString cheque = commaDecimal(atts.value("cheque"_L1));
+    const QString ticket = commaDecimal(atts.value("ticket"_L1));
+    const QString discountRate = commaDecimal(atts.value("discountRate"_L1));
+    if (name != "totals"_L1)
         return;
 
     const auto writeUnlessZero = [this](const QString& amount, const QString& commandLine) {
         if (leadingCommaNumber(amount) != 0.0)
             write(commandLine + fiscalLineEnd);
     };
-    writeUnlessZero(discountRate, QLatin1Char('=') + discountRate + QLatin1StringView("*2M"));
-    writeUnlessZero(cash, cash + QLatin1StringView("H1T"));
-    writeUnlessZero(creditCard, creditCard + QLatin1StringView("H3T"));
-    writeUnlessZero(cheque, cheque + QLatin1StringView("H2T"));
-    writeUnlessZero(ticket, ticket + QLatin1StringView("H5T"));
+    writeUnlessZero(discountRate, u"="_s + discountRate + "*2M"_L1);
+    writeUnlessZero(cash, cash + "H1T"_L1);
+    writeUnlessZero(creditCard, creditCard + "H3T"_L1);
+    writeUnlessZero(cheque, cheque + "H2T"_L1);
+    writeUnlessZero(ticket, ticket + "H5T"_L1);
 }

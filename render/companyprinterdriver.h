@@ -8,8 +8,10 @@
 class CompanyPrinterDriver : public PrinterDriver
 {
 public:
-    explicit CompanyPrinterDriver(const QString& fileName);
-    explicit CompanyPrinterDriver(std::unique_ptr<QIODevice> device);
+    explicit CompanyPrinterDriver(const QString& fileName,
+                                  const ZTConfiguration* configuration = nullptr);
+    explicit CompanyPrinterDriver(std::unique_ptr<QIODevice> device,
+                                  const ZTConfiguration* configuration = nullptr);
 
     unsigned getPaperWidth() override;
     void setBold() override;
@@ -23,7 +25,7 @@ public:
     void print(unsigned int indent, const QString& text) override;
     void println(unsigned int indent, const QString& text) override;
     void println(const QString& text) override;
-    void printRowFiscal(const QString& name, const QXmlStreamAttributes& atts) override;
+    void printRowFiscal(const QString& name, const XmlAttributes& atts) override;
     void printRowFiscal(const QString& department, const QString& quantity,
                         const QString& description, const QString& price) override;
     void printLogo() override;
@@ -32,8 +34,7 @@ public:
                                 const QString& adjustment);
 
 private:
-    bool isFiscal() const;
-    void write(const QString& text);
+    void write(QStringView text);
     void writeFiscalItem(const QString& department, const QString& quantity,
                          const QString& description, const QString& price);
 

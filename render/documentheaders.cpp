@@ -2,18 +2,20 @@
 // numbers, order information and the customer block.
 #include "printerdriver.h"
 
-void PrinterDriver::labelLine(const QString& label, const QString& text)
+using namespace Qt::StringLiterals;
+
+void PrinterDriver::labelLine(const QString& label, QStringView text)
 {
     print(1, label);
-    println(1, text);
+    println(1, text.toString());
 }
 
-void PrinterDriver::printGeometry(const QXmlStreamAttributes&)
+void PrinterDriver::printGeometry(const XmlAttributes&)
 {
     if (!settings.printGeometry)
         return;
     // A runaway margin would only fill the disk.
-    const int topMargin = boundedSetting(QStringLiteral("topMargin"));
+    const int topMargin = boundedSetting("topMargin"_L1);
     for (int i = 0; i < topMargin; ++i)
         println(QString());
 }
@@ -26,7 +28,7 @@ void PrinterDriver::printPrinterInfo()
     printSeparatorLine();
 }
 
-void PrinterDriver::printHeaders(const QXmlStreamAttributes& atts)
+void PrinterDriver::printHeaders(const XmlAttributes& atts)
 {
     if (!settings.printHeader)
         return;
@@ -36,7 +38,7 @@ void PrinterDriver::printHeaders(const QXmlStreamAttributes& atts)
     printSeparatorLine();
 }
 
-void PrinterDriver::printCompanyHeader(const QXmlStreamAttributes& atts)
+void PrinterDriver::printCompanyHeader(const XmlAttributes& atts)
 {
     if (!settings.printCompany)
         return;
@@ -48,39 +50,39 @@ void PrinterDriver::printCompanyHeader(const QXmlStreamAttributes& atts)
     printSeparatorLine();
 }
 
-void PrinterDriver::printReceiptHeader(const QXmlStreamAttributes& atts)
+void PrinterDriver::printReceiptHeader(const XmlAttributes& atts)
 {
-    println(1, tr("Serial Number: ") + value(atts, QLatin1StringView("serialnumber")));
+    println(1, tr("Serial Number: ") + atts.value("serialnumber"_L1).toString());
     printSeparatorLine();
 }
 
-void PrinterDriver::printInvoiceHeader(const QXmlStreamAttributes& atts)
+void PrinterDriver::printInvoiceHeader(const XmlAttributes& atts)
 {
-    labelLine(tr("Invoice Number:"), value(atts, QLatin1StringView("serialnumber")));
+    labelLine(tr("Invoice Number:"), atts.value("serialnumber"_L1));
     printSeparatorLine();
 }
 
-void PrinterDriver::printDeliveryHeader(const QXmlStreamAttributes& atts)
+void PrinterDriver::printDeliveryHeader(const XmlAttributes& atts)
 {
-    labelLine(tr("Delivery Number:"), value(atts, QLatin1StringView("serialnumber")));
+    labelLine(tr("Delivery Number:"), atts.value("serialnumber"_L1));
     printSeparatorLine();
 }
 
-void PrinterDriver::printOrderInfo(const QXmlStreamAttributes& atts)
+void PrinterDriver::printOrderInfo(const XmlAttributes& atts)
 {
     setCharSize();
     if (settings.printDate)
-        labelLine(tr("Date:"), value(atts, QLatin1StringView("date")));
+        labelLine(tr("Date:"), atts.value("date"_L1));
     if (settings.printTime)
-        labelLine(tr("Time:"), value(atts, QLatin1StringView("time")));
+        labelLine(tr("Time:"), atts.value("time"_L1));
     if (settings.printTable)
-        labelLine(tr("Table:"), value(atts, QLatin1StringView("table")));
+        labelLine(tr("Table:"), atts.value("table"_L1));
     if (settings.printWaiter)
-        labelLine(tr("Waiter:"), value(atts, QLatin1StringView("waiter")));
+        labelLine(tr("Waiter:"), atts.value("waiter"_L1));
     if (settings.printNote)
-        labelLine(tr("Note:"), value(atts, QLatin1StringView("note")));
+        labelLine(tr("Note:"), atts.value("note"_L1));
     if (settings.printCredit) {
-        credit = value(atts, QLatin1StringView("credit"));
+        credit = atts.value("credit"_L1).toString();
         labelLine(tr("Credit:"), credit);
     }
     printSeparatorLine();
@@ -90,32 +92,32 @@ namespace {
 
 // Prints the comma-separated parts of an address, each trimmed; the first
 // empty part ends the address, though a part of blanks only does not.
-void printAddress(PrinterDriver& driver, const QString& address)
+void printAddress(PrinterDriver& driver, QStringView address)
 {
-    for (const QString& part : address.split(QLatin1Char(','))) {
+    for (QStringView part : address.tokenize(u',')) {
         if (part.isEmpty())
             return;
-        driver.println(1, part.trimmed());
+        driver.println(1, part.trimmed().toString());
     }
 }
 
 } // namespace
 
-void PrinterDriver::printCustomerHeader(const QXmlStreamAttributes& atts)
+void PrinterDriver::printCustomerHeader(const XmlAttributes& atts)
 {
     if (!settings.printCustomer)
         return;
     println(tr("CUSTOMER"));
-    println(1, value(atts, QLatin1StringView("name")));
+    println(1, atts.value("name"_L1).toString());
     if (settings.printBillingAddress)
-        printAddress(*this, value(atts, QLatin1StringView("billingaddress")));
+        printAddress(*this, atts.value("billingaddress"_L1));
     if (settings.printDeliveryAddress)
-        printAddress(*this, value(atts, QLatin1StringView("deliveryaddress")));
+        printAddress(*this, atts.value("deliveryaddress"_L1));
     if (settings.printTelephone)
-        labelLine(tr("Telephone:"), value(atts, QLatin1StringView("telephone")));
+        labelLine(tr("Telephone:"), atts.value("telephone"_L1));
     if (settings.printLicenseNumber)
-        labelLine(tr("License Number:"), value(atts, QLatin1StringView("licensenumber")));
+        labelLine(tr("License Number:"), atts.value("licensenumber"_L1));
     if (settings.printFiscalCode)
-        labelLine(tr("Fiscal Code:"), value(atts, QLatin1StringView("fiscalcode")));
+        labelLine(tr("Fiscal Code:"), atts.value("fiscalcode"_L1));
     printSeparatorLine();
 }

@@ -1,27 +1,15 @@
 // The end-of-period summary report.
 #include "printerdriver.h"
 
-namespace {
-
-QString padRight(const QString& text, int width, QChar fill = QLatin1Char(' '))
-{
-    return text.size() < width ? text + QString(width - text.size(), fill) : text;
-}
-
-QString padLeft(const QString& text, int width)
-{
-    return text.size() < width ? QString(width - text.size(), QLatin1Char(' ')) + text : text;
-}
-
-} // namespace
+using namespace Qt::StringLiterals;
 
 namespace {
 
-// Prints the report's blocks through the driver's device operations.
+// Prints the report's recurring blocks through the driver's device
+// operations. Labels are chosen per element, so they are marked for the
+// catalogues where they are written and translated where they are printed.
 class ReportWriter
 {
-    Q_DECLARE_TR_FUNCTIONS(PrinterDriver)
-
 public:
     ReportWriter(PrinterDriver& driver, int paperWidth)
         // Values start at column W - 15; a narrower paper is taken as 15 wide.
@@ -29,15 +17,10 @@ public:
     {
     }
 
-    QString dots(const QString& label) const
+    void labelLine(const char* label, QStringView text)
     {
-        return padRight(label, valueColumn, QLatin1Char('.'));
-    }
-
-    void labelLine(const char* label, const QString& text)
-    {
-        driver.print(0, dots(tr(label)));
-        driver.println(text);
+        driver.print(0, dots(label));
+        driver.println(text.toString());
     }
 
     void titleBlock(const char* title)
@@ -45,38 +28,50 @@ public:
         driver.setBold();
         driver.setCenterJustify();
         driver.println(QString());
-        driver.println(tr(title));
+        driver.println(PrinterDriver::tr(title));
         driver.setCharSize();
         driver.println(QString());
     }
 
-    void serialRange(const QXmlStreamAttributes& atts)
+    void serialRange(const XmlAttributes& atts)
     {
-        driver.print(0, dots(tr("Serials")));
-        driver.print(0, atts.value(QLatin1StringView("firstserial")).toString());
-        driver.print(0, QStringLiteral(" - "));
-        driver.println(atts.value(QLatin1StringView("lastserial")).toString());
+        driver.print(0, dots(QT_TRANSLATE_NOOP("PrinterDriver", "Serials")));
+        driver.print(0, atts.value("firstserial"_L1).toString());
+        driver.print(0, u" - "_s);
+        driver.println(atts.value("lastserial"_L1).toString());
     }
 
 private:
+    QString dots(const char* label) const
+    {
+        return PrinterDriver::tr(label).leftJustified(valueColumn, u'.');
+    }
+
     PrinterDriver& driver;
     int valueColumn;
 };
 
-QString attribute(const QXmlStreamAttributes& atts, const char* name)
+// The columns of the tax-rate table, and the cancelled documents' columns.
+QString taxColumn(QStringView text)
 {
-    return atts.value(QLatin1StringView(name)).toString();
+    return text.toString().rightJustified(10, u' ');
+}
+
+QString cancelledColumn(QStringView text, int width)
+{
+    return text.toString().leftJustified(width, u' ');
 }
 
 } // namespace
 
-void PrinterDriver::printReport(const QString& qName, const QXmlStreamAttributes& atts)
+void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
     ReportWriter report(*this, settings.paperWidth);
-    if (qName == QLatin1StringView("date")) {
+    const auto value = [&atts](const char* name) { return atts.value(QLatin1StringView(name)); };
+    if (qName == "date"_L1) {
         setBold();
         setCenterJustify();
         println(QString());
@@ -85,62 +80,60 @@ void PrinterDriver::printReport(const QString& qName, const QXmlStreamAttributes
         println(QString());
         setCharSize();
         print(0, tr("BeginDate: "));
-        println(attribute(atts, "begindate"));
+        println(value("begindate").toString());
         print(0, tr("EndDate: "));
-        println(attribute(atts, "enddate"));
-    } else if (qName == QLatin1StringView("prefiscalssummary")) {
-        report.titleBlock("PREFISCAL SUMMARY");
-        report.labelLine("Number", attribute(atts, "number"));
-        report.labelLine("TOTAL", attribute(atts, "total"));
-    } else if (qName == QLatin1StringView("receiptssummary")) {
-        report.titleBlock("RECEIPTS SUMMARY");
-        report.labelLine("Number", attribute(atts, "number"));
+        println(value("enddate").toString());
+    } else if (qName == "prefiscalssummary"_L1) {
+        report.titleBlock(QT_TR_NOOP("PREFISCAL SUMMARY"));
+        report.labelLine(QT_TR_NOOP("Number"), value("number"));
+        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
+    } else if (qName == "receiptssummary"_L1) {
+        report.titleBlock(QT_TR_NOOP("RECEIPTS SUMMARY"));
+        report.labelLine(QT_TR_NOOP("Number"), value("number"));
         report.serialRange(atts);
-        println(tr("Amount not paid: ") + attribute(atts, "notPaid"));
-        println(tr("Cash: ") + attribute(atts, "cash"));
-        println(tr("Credit Card: ") + attribute(atts, "creditCard"));
-        println(tr("Bancomat: ") + attribute(atts, "bancomat"));
-        println(tr("Other: ") + attribute(atts, "other"));
-        report.labelLine("TOTAL", attribute(atts, "total"));
+        println(tr("Amount not paid: ") + value("notPaid").toString());
+        println(tr("Cash: ") + value("cash").toString());
+        println(tr("Credit Card: ") + value("creditCard").toString());
+        println(tr("Bancomat: ") + value("bancomat").toString());
+        println(tr("Other: ") + value("other").toString());
+        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
         println(QString());
         printSeparatorLine();
-        println(padLeft(tr("TAXRATE"), 6) + QLatin1Char(' ') + padLeft(tr("TAXABLE"), 10)
-                + QLatin1Char(' ') + padLeft(tr("TAX"), 10) + QLatin1Char(' ')
-                + padLeft(tr("AMOUNT"), 10));
-    } else if (qName == QLatin1StringView("taxrate_item")) {
+        println(tr("TAXRATE").rightJustified(6, u' ') + u' ' + taxColumn(tr("TAXABLE")) + u' '
+                + taxColumn(tr("TAX")) + u' ' + taxColumn(tr("AMOUNT")));
+    } else if (qName == "taxrate_item"_L1) {
         // The row differs from its heading on purpose: "% " after the rate
         // and one trailing blank.
-        println(padLeft(attribute(atts, "taxrate"), 6) + QLatin1StringView("% ")
-                + padLeft(attribute(atts, "taxable"), 10) + QLatin1Char(' ')
-                + padLeft(attribute(atts, "tax"), 10) + QLatin1Char(' ')
-                + padLeft(attribute(atts, "amount"), 10) + QLatin1Char(' '));
-    } else if (qName == QLatin1StringView("invoicessummary")) {
+        println(value("taxrate").toString().rightJustified(6, u' ') + "% "_L1
+                + taxColumn(value("taxable")) + u' ' + taxColumn(value("tax")) + u' '
+                + taxColumn(value("amount")) + u' ');
+    } else if (qName == "invoicessummary"_L1) {
         printSeparatorLine();
         println(QString());
-        report.titleBlock("INVOICES SUMMARY");
-        report.labelLine("Number", attribute(atts, "number"));
+        report.titleBlock(QT_TR_NOOP("INVOICES SUMMARY"));
+        report.labelLine(QT_TR_NOOP("Number"), value("number"));
         report.serialRange(atts);
-        report.labelLine("Taxable", attribute(atts, "taxable"));
-        report.labelLine("Tax", attribute(atts, "tax"));
-        report.labelLine("TOTAL", attribute(atts, "total"));
-    } else if (qName == QLatin1StringView("cancelledsummary")) {
-        report.titleBlock("CANCELLED DOC SUMMARY");
-        report.labelLine("Number", attribute(atts, "number"));
-        report.labelLine("TOTAL", attribute(atts, "totals"));
+        report.labelLine(QT_TR_NOOP("Taxable"), value("taxable"));
+        report.labelLine(QT_TR_NOOP("Tax"), value("tax"));
+        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
+    } else if (qName == "cancelledsummary"_L1) {
+        report.titleBlock(QT_TR_NOOP("CANCELLED DOC SUMMARY"));
+        report.labelLine(QT_TR_NOOP("Number"), value("number"));
+        report.labelLine(QT_TR_NOOP("TOTAL"), value("totals"));
         setBold();
         println(QString());
-        print(0, padRight(tr("SERIAL"), 10));
-        print(0, padRight(tr("TOTAL"), 11));
-        println(padRight(tr("TAXRATE"), 10));
+        print(0, cancelledColumn(tr("SERIAL"), 10));
+        print(0, cancelledColumn(tr("TOTAL"), 11));
+        println(cancelledColumn(tr("TAXRATE"), 10));
         // The cancelled documents follow "number" and "totals" as groups of
         // three attributes (serial, total, tax rate), read by position.
         const auto at = [&atts](qsizetype i) {
-            return i < atts.size() ? atts.at(i).value().toString() : QString();
+            return i < atts.size() ? atts.at(i).value() : QStringView();
         };
         for (qsizetype i = 2; i < atts.size(); i += 3) {
-            print(0, padRight(at(i), 10));
-            print(0, padRight(at(i + 1), 11));
-            println(padRight(at(i + 2), 10));
+            print(0, cancelledColumn(at(i), 10));
+            print(0, cancelledColumn(at(i + 1), 11));
+            println(cancelledColumn(at(i + 2), 10));
         }
     }
 }

@@ -1,41 +1,50 @@
 #include "printerdriver.h"
 
+#include "diagnostics.h"
+#include "emptytext.h"
 #include "syncsingleton.h"
 #include "ztconfiguration.h"
 
 #include <QFile>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
-namespace {
+using namespace Qt::StringLiterals;
 
-enum class DuplicateEffect { Unchanged, Set, Clear };
-
-struct MethodEntry
+// One document method a request may name in its "method" element.
+struct DocumentMethod
 {
+    // What choosing the method does to the duplicate flag.
+    enum class DuplicateEffect { Unchanged, Set, Clear };
+
     QLatin1StringView name;
     QLatin1StringView documentType;
     DuplicateEffect duplicate;
-    void (PrinterDriver::*print)(const QString&, const QXmlStreamAttributes&);
+    // Printed by the fiscal printer: command lines instead of framed text.
+    bool fiscal;
+    void (PrinterDriver::*print)(const QString&, const XmlAttributes&);
 };
 
-// The document methods a request may name, tried in this order.
-const MethodEntry methods[] = {
-    {QLatin1StringView("printPartialOrder"), QLatin1StringView("order"), DuplicateEffect::Unchanged, &PrinterDriver::printPartialOrder},
-    {QLatin1StringView("printFullOrder"), QLatin1StringView("prefiscal"), DuplicateEffect::Unchanged, &PrinterDriver::printFullOrder},
-    {QLatin1StringView("printFullOrderReceipt"), QLatin1StringView("receipt"), DuplicateEffect::Unchanged, &PrinterDriver::printFullOrderReceipt},
-    {QLatin1StringView("printFullOrderInvoice"), QLatin1StringView("invoice"), DuplicateEffect::Set, &PrinterDriver::printFullOrderInvoice},
-    {QLatin1StringView("printFullOrderDelivery"), QLatin1StringView("delivery"), DuplicateEffect::Unchanged, &PrinterDriver::printFullOrderDelivery},
-    {QLatin1StringView("printFullOrderFiscal"), QLatin1StringView("fiscal"), DuplicateEffect::Clear, &PrinterDriver::printFullOrderFiscal},
-    {QLatin1StringView("printAbstractOrder"), QLatin1StringView("order"), DuplicateEffect::Unchanged, &PrinterDriver::printAbstractOrder},
-    {QLatin1StringView("printAbstractOrderReceipt"), QLatin1StringView("receipt"), DuplicateEffect::Unchanged, &PrinterDriver::printAbstractOrderReceipt},
-    {QLatin1StringView("printAbstractOrderInvoice"), QLatin1StringView("invoice"), DuplicateEffect::Set, &PrinterDriver::printAbstractOrderInvoice},
-    {QLatin1StringView("printAbstractOrderFiscal"), QLatin1StringView("fiscal"), DuplicateEffect::Clear, &PrinterDriver::printAbstractOrderFiscal},
-    {QLatin1StringView("printReport"), QLatin1StringView("report"), DuplicateEffect::Unchanged, &PrinterDriver::printReport},
-    {QLatin1StringView("printSold"), QLatin1StringView("sold"), DuplicateEffect::Unchanged, &PrinterDriver::printSold},
-    {QLatin1StringView("printStatementOfAccount"), QLatin1StringView("report"), DuplicateEffect::Unchanged, &PrinterDriver::printStatementOfAccount},
+namespace {
+
+using DuplicateEffect = DocumentMethod::DuplicateEffect;
+
+// The document methods, tried in this order.
+const DocumentMethod methods[] = {
+    {"printPartialOrder"_L1, "order"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printPartialOrder},
+    {"printFullOrder"_L1, "prefiscal"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printFullOrder},
+    {"printFullOrderReceipt"_L1, "receipt"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printFullOrderReceipt},
+    {"printFullOrderInvoice"_L1, "invoice"_L1, DuplicateEffect::Set, false, &PrinterDriver::printFullOrderInvoice},
+    {"printFullOrderDelivery"_L1, "delivery"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printFullOrderDelivery},
+    {"printFullOrderFiscal"_L1, "fiscal"_L1, DuplicateEffect::Clear, true, &PrinterDriver::printFullOrderFiscal},
+    {"printAbstractOrder"_L1, "order"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printAbstractOrder},
+    {"printAbstractOrderReceipt"_L1, "receipt"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printAbstractOrderReceipt},
+    {"printAbstractOrderInvoice"_L1, "invoice"_L1, DuplicateEffect::Set, false, &PrinterDriver::printAbstractOrderInvoice},
+    {"printAbstractOrderFiscal"_L1, "fiscal"_L1, DuplicateEffect::Clear, true, &PrinterDriver::printAbstractOrderFiscal},
+    {"printReport"_L1, "report"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printReport},
+    {"printSold"_L1, "sold"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printSold},
+    {"printStatementOfAccount"_L1, "report"_L1, DuplicateEffect::Unchanged, false, &PrinterDriver::printStatementOfAccount},
 };
 
 struct DocumentType
@@ -45,43 +54,35 @@ struct DocumentType
 };
 
 const DocumentType documentTypes[] = {
-    {QLatin1StringView("order"), QLatin1StringView("zentaro.doc.")},
-    {QLatin1StringView("prefiscal"), QLatin1StringView("zentaro.prefiscaldoc.")},
-    {QLatin1StringView("fiscal"), QLatin1StringView("zentaro.fiscaldoc.")},
-    {QLatin1StringView("receipt"), QLatin1StringView("zentaro.receiptdoc.")},
-    {QLatin1StringView("invoice"), QLatin1StringView("zentaro.invoicedoc.")},
-    {QLatin1StringView("delivery"), QLatin1StringView("zentaro.deliverydoc.")},
-    {QLatin1StringView("report"), QLatin1StringView("zentaro.reportdoc.")},
-    {QLatin1StringView("sold"), QLatin1StringView("zentaro.solddoc.")},
+    {"order"_L1, "zentaro.doc."_L1},
+    {"prefiscal"_L1, "zentaro.prefiscaldoc."_L1},
+    {"fiscal"_L1, "zentaro.fiscaldoc."_L1},
+    {"receipt"_L1, "zentaro.receiptdoc."_L1},
+    {"invoice"_L1, "zentaro.invoicedoc."_L1},
+    {"delivery"_L1, "zentaro.deliverydoc."_L1},
+    {"report"_L1, "zentaro.reportdoc."_L1},
+    {"sold"_L1, "zentaro.solddoc."_L1},
 };
 
-// Diagnostics go to standard output, each as one line, flushed at once so
-// that they keep their place among anything else written there.
-void printLine(std::initializer_list<QByteArrayView> pieces)
+const ZTConfiguration* configurationOrUsers(const ZTConfiguration* given)
 {
-    for (QByteArrayView piece : pieces)
-        std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
-
-ZTConfiguration* configurationInstance()
-{
-    return SyncSingleton<ZTConfiguration>::instance();
+    return given ? given : SyncSingleton<ZTConfiguration>::instance();
 }
 
 } // namespace
 
-PrinterDriver::PrinterDriver(const QString& fileName, bool append)
-    : config(configurationInstance()), currentMethod(QLatin1String("")),
-      file(std::make_unique<QFile>(fileName)), justify(QStringLiteral("left"))
+PrinterDriver::PrinterDriver(const QString& fileName, bool append,
+                             const ZTConfiguration* configuration)
+    : config(configurationOrUsers(configuration)), currentMethod(emptyText()),
+      file(std::make_unique<QFile>(fileName)), justify(u"left"_s)
 {
     openStream(append ? QIODevice::WriteOnly | QIODevice::Append : QIODevice::WriteOnly);
 }
 
-PrinterDriver::PrinterDriver(std::unique_ptr<QIODevice> device)
-    : config(configurationInstance()), currentMethod(QLatin1String("")),
-      file(std::move(device)), justify(QStringLiteral("left"))
+PrinterDriver::PrinterDriver(std::unique_ptr<QIODevice> device,
+                             const ZTConfiguration* configuration)
+    : config(configurationOrUsers(configuration)), currentMethod(emptyText()),
+      file(std::move(device)), justify(u"left"_s)
 {
     openStream(QIODevice::WriteOnly);
 }
@@ -99,7 +100,7 @@ void PrinterDriver::openStream(QIODevice::OpenMode mode)
     if (file->isOpen() || file->open(mode)) {
         stream = std::make_unique<TextOutput>(file.get());
     } else {
-        printLine({"PrintManager::printAbstractOrder(...): Unable To Open File"});
+        printDiagnostic({"PrintManager::printAbstractOrder(...): Unable To Open File"});
     }
 }
 
@@ -148,9 +149,9 @@ QString PrinterDriver::documentPath(const QString& type)
     }
     // The name is shown as a C string: it ends at its first NUL.
     const QByteArray shown = lowered.toLocal8Bit();
-    printLine({"Error into PrinterDriver::documentPath:  ",
-               QByteArrayView(shown.constData(), qsizetype(std::strlen(shown.constData())))});
-    return QStringLiteral("zentaro.prefiscaldoc.");
+    printDiagnostic({"Error into PrinterDriver::documentPath:  ",
+                     QByteArrayView(shown.constData(), qsizetype(std::strlen(shown.constData())))});
+    return u"zentaro.prefiscaldoc."_s;
 }
 
 namespace {
@@ -165,7 +166,7 @@ int boundedWidth(int width)
 
 } // namespace
 
-int PrinterDriver::boundedSetting(const QString& keyWord) const
+int PrinterDriver::boundedSetting(QLatin1StringView keyWord) const
 {
     // Empty or malformed text reads as 0, as toInt reports it.
     return boundedWidth(config->getStrValue(docPath + keyWord).toInt());
@@ -187,7 +188,7 @@ void PrinterDriver::loadValues(const QString& type)
     };
     // Empty or malformed text reads as 0, as toInt reports it.
     const auto number = [&text](const char* keyWord) { return text(keyWord).toInt(); };
-    const auto flag = [&text](const char* keyWord) { return text(keyWord) == QLatin1StringView("true"); };
+    const auto flag = [&text](const char* keyWord) { return text(keyWord) == "true"_L1; };
 
     settings.quantityFieldWidth = boundedWidth(number("quantityFieldWidth"));
     settings.priceFieldWidth = boundedWidth(number("priceFieldWidth"));
@@ -220,17 +221,17 @@ void PrinterDriver::loadValues(const QString& type)
 }
 
 bool PrinterDriver::startElement(const QString&, const QString&, const QString& qName,
-                                 const QXmlStreamAttributes& atts)
+                                 const XmlAttributes& atts)
 {
-    if (qName != QLatin1StringView("method")) {
+    if (qName != "method"_L1) {
         // Elements before the method element, or after an unknown one, are ignored.
-        if (currentPrint)
-            (this->*currentPrint)(qName, atts);
+        if (currentEntry)
+            (this->*currentEntry->print)(qName, atts);
         return true;
     }
 
-    const QString name = value(atts, QLatin1StringView("name"));
-    for (const MethodEntry& method : methods) {
+    const QStringView name = atts.value("name"_L1);
+    for (const DocumentMethod& method : methods) {
         if (name != method.name)
             continue;
         loadValues(method.documentType);
@@ -238,29 +239,25 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
             duplicate = true;
         else if (method.duplicate == DuplicateEffect::Clear)
             duplicate = false;
-        currentMethod = name;
-        currentPrint = method.print;
+        currentMethod = method.name;
+        currentEntry = &method;
         startSection();
         return true;
     }
 
-    printLine({"File Format Not Supported"});
-    currentMethod = QLatin1String("");
-    currentPrint = nullptr;
+    printDiagnostic({"File Format Not Supported"});
+    currentMethod = emptyText();
+    currentEntry = nullptr;
     return false;
 }
 
-QString PrinterDriver::value(const QXmlStreamAttributes& atts, QLatin1StringView name)
+bool PrinterDriver::isFiscal() const
 {
-    for (const QXmlStreamAttribute& attribute : atts) {
-        if (attribute.qualifiedName() == name)
-            return attribute.value().toString();
-    }
-    return QLatin1String("");
+    return currentEntry && currentEntry->fiscal;
 }
 
-void PrinterDriver::printRowFiscal(const QString&, const QXmlStreamAttributes&) {}
+void PrinterDriver::printRowFiscal(const QString&, const XmlAttributes&) {}
 
 void PrinterDriver::printRowFiscal(const QString&, const QString&, const QString&, const QString&) {}
 
-void PrinterDriver::printAbstractOrder(const QString&, const QXmlStreamAttributes&) {}
+void PrinterDriver::printAbstractOrder(const QString&, const XmlAttributes&) {}

@@ -51,10 +51,14 @@ class PrinterDriver : public XmlContentHandler
     Q_DECLARE_TR_FUNCTIONS(PrinterDriver)
 
 public:
-    PrinterDriver(const QString& fileName, bool append);
-    // Writes to an already constructed device (a buffer in tests); the driver
-    // takes ownership and opens it for writing if it is not open yet.
-    explicit PrinterDriver(std::unique_ptr<QIODevice> device);
+    // Settings come from `configuration`, which must outlive the driver;
+    // without one, from the user's configuration (the process singleton).
+    PrinterDriver(const QString& fileName, bool append, const ZTConfiguration* configuration = nullptr);
+    // Writes to an already constructed device (a buffer in tests, memory for
+    // a preview); the driver takes ownership and opens it for writing if it
+    // is not open yet.
+    explicit PrinterDriver(std::unique_ptr<QIODevice> device,
+                           const ZTConfiguration* configuration = nullptr);
     ~PrinterDriver() override;
 
     PrinterDriver(const PrinterDriver&) = delete;
@@ -63,7 +67,7 @@ public:
     bool startDocument() override;
     bool endDocument() override;
     bool startElement(const QString& namespaceURI, const QString& localName,
-                      const QString& qName, const QXmlStreamAttributes& atts) override;
+                      const QString& qName, const XmlAttributes& atts) override;
     bool endElement(const QString& namespaceURI, const QString& localName,
                     const QString& qName) override;
 
@@ -83,39 +87,39 @@ public:
     virtual void print(unsigned int indent, const QString& text) = 0;
     virtual void println(unsigned int indent, const QString& text) = 0;
     virtual void println(const QString& text) = 0;
-    virtual void printRowFiscal(const QString& name, const QXmlStreamAttributes& atts);
+    virtual void printRowFiscal(const QString& name, const XmlAttributes& atts);
     virtual void printRowFiscal(const QString& department, const QString& quantity,
                                 const QString& description, const QString& price);
 
     // Document headers.
-    virtual void printGeometry(const QXmlStreamAttributes& atts);
+    virtual void printGeometry(const XmlAttributes& atts);
     virtual void printPrinterInfo();
-    virtual void printHeaders(const QXmlStreamAttributes& atts);
+    virtual void printHeaders(const XmlAttributes& atts);
     virtual void printLogo() = 0;
-    virtual void printCompanyHeader(const QXmlStreamAttributes& atts);
-    virtual void printReceiptHeader(const QXmlStreamAttributes& atts);
-    virtual void printInvoiceHeader(const QXmlStreamAttributes& atts);
-    virtual void printDeliveryHeader(const QXmlStreamAttributes& atts);
-    virtual void printCustomerHeader(const QXmlStreamAttributes& atts);
-    virtual void printOrderInfo(const QXmlStreamAttributes& atts);
-    virtual bool printSections(const QString& name, const QXmlStreamAttributes& atts);
+    virtual void printCompanyHeader(const XmlAttributes& atts);
+    virtual void printReceiptHeader(const XmlAttributes& atts);
+    virtual void printInvoiceHeader(const XmlAttributes& atts);
+    virtual void printDeliveryHeader(const XmlAttributes& atts);
+    virtual void printCustomerHeader(const XmlAttributes& atts);
+    virtual void printOrderInfo(const XmlAttributes& atts);
+    virtual bool printSections(const QString& name, const XmlAttributes& atts);
     virtual void printColumnsHeader(const QString& a1, const QString& a2,
                                     const QString& a3, const QString& a4);
 
     // Document methods: each prints what one element of the request adds.
-    virtual void printPartialOrder(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printFullOrder(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printFullOrderReceipt(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printFullOrderInvoice(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printFullOrderDelivery(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printFullOrderFiscal(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printAbstractOrder(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printAbstractOrderReceipt(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printAbstractOrderInvoice(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printAbstractOrderFiscal(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printReport(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printSold(const QString& qName, const QXmlStreamAttributes& atts);
-    virtual void printStatementOfAccount(const QString& qName, const QXmlStreamAttributes& atts);
+    virtual void printPartialOrder(const QString& qName, const XmlAttributes& atts);
+    virtual void printFullOrder(const QString& qName, const XmlAttributes& atts);
+    virtual void printFullOrderReceipt(const QString& qName, const XmlAttributes& atts);
+    virtual void printFullOrderInvoice(const QString& qName, const XmlAttributes& atts);
+    virtual void printFullOrderDelivery(const QString& qName, const XmlAttributes& atts);
+    virtual void printFullOrderFiscal(const QString& qName, const XmlAttributes& atts);
+    virtual void printAbstractOrder(const QString& qName, const XmlAttributes& atts);
+    virtual void printAbstractOrderReceipt(const QString& qName, const XmlAttributes& atts);
+    virtual void printAbstractOrderInvoice(const QString& qName, const XmlAttributes& atts);
+    virtual void printAbstractOrderFiscal(const QString& qName, const XmlAttributes& atts);
+    virtual void printReport(const QString& qName, const XmlAttributes& atts);
+    virtual void printSold(const QString& qName, const XmlAttributes& atts);
+    virtual void printStatementOfAccount(const QString& qName, const XmlAttributes& atts);
     virtual bool printDuplicate();
 
     bool oneTime();
@@ -130,18 +134,19 @@ public:
 
     const DocumentSettings& documentSettings() const { return settings; }
     const QString& method() const { return currentMethod; }
+    // Whether the document in force is printed by the fiscal printer.
+    bool isFiscal() const;
 
 protected:
-    static QString value(const QXmlStreamAttributes& atts, QLatin1StringView name);
-    int boundedSetting(const QString& keyWord) const;
-    void labelLine(const QString& label, const QString& text);
+    int boundedSetting(QLatin1StringView keyWord) const;
+    void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
-    void printPricedItem(const QXmlStreamAttributes& atts, QStringView layout);
-    void printAbstractItem(const QXmlStreamAttributes& atts);
+    void printPricedItem(const XmlAttributes& atts, QStringView layout);
+    void printAbstractItem(const XmlAttributes& atts);
     void printTotalLine(const QString& label, QStringView amount);
-    void printInvoiceTotals(const QXmlStreamAttributes& atts);
+    void printInvoiceTotals(const XmlAttributes& atts);
 
-    ZTConfiguration* config;
+    const ZTConfiguration* config;
     QString currentMethod;
     std::unique_ptr<QIODevice> file;
     std::unique_ptr<TextOutput> stream;
@@ -157,10 +162,9 @@ protected:
     QString credit;
 
 private:
-    using DocumentMethod = void (PrinterDriver::*)(const QString&, const QXmlStreamAttributes&);
-
     void openStream(QIODevice::OpenMode mode);
 
-    // The method chosen by the last accepted "method" element; null before one.
-    DocumentMethod currentPrint = nullptr;
+    // The entry of the method table chosen by the last accepted "method"
+    // element; null before one and after an unknown one.
+    const struct DocumentMethod* currentEntry = nullptr;
 };

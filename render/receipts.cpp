@@ -1,129 +1,120 @@
 // Receipts, invoices, their abstract forms, fiscal receipts and delivery notes.
 #include "printerdriver.h"
+#include "rowlayout.h"
 
-namespace {
+using namespace Qt::StringLiterals;
+using namespace RowLayout;
 
-const QChar dot(QLatin1Char('.'));
-const QString qdpt = QStringLiteral("qdpt");
-const QString qxdpt = QStringLiteral("qxdpt");
-
-} // namespace
-
-void PrinterDriver::printFullOrderReceipt(const QString& qName, const QXmlStreamAttributes& atts)
+void PrinterDriver::printFullOrderReceipt(const QString& qName, const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    if (qName == QLatin1StringView("customer")) {
+    if (qName == "customer"_L1) {
         printCustomerHeader(atts);
-    } else if (qName == QLatin1StringView("receipe")) {
+    } else if (qName == "receipe"_L1) {
         printPricedItem(atts, qxdpt);
-    } else if (qName == QLatin1StringView("total")) {
+    } else if (qName == "total"_L1) {
         println(QString());
-        printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("price")));
-    } else if (qName == QLatin1StringView("notPaid")) {
+        printTotalLine(tr("TOTAL"), atts.value("price"_L1));
+    } else if (qName == "notPaid"_L1) {
         println(QString());
-        println(tr("    Amount not paid: ") + value(atts, QLatin1StringView("price")));
+        println(tr("    Amount not paid: ") + atts.value("price"_L1).toString());
     }
 }
 
-void PrinterDriver::printFullOrderInvoice(const QString& qName, const QXmlStreamAttributes& atts)
+void PrinterDriver::printFullOrderInvoice(const QString& qName, const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    if (qName == QLatin1StringView("customer")) {
+    if (qName == "customer"_L1) {
         printCustomerHeader(atts);
-    } else if (qName == QLatin1StringView("receipe")) {
+    } else if (qName == "receipe"_L1) {
         printPricedItem(atts, qdpt);
-    } else if (qName == QLatin1StringView("totals")) {
+    } else if (qName == "totals"_L1) {
         printInvoiceTotals(atts);
     }
 }
 
-void PrinterDriver::printPricedItem(const QXmlStreamAttributes& atts, QStringView layout)
+void PrinterDriver::printPricedItem(const XmlAttributes& atts, QStringView layout)
 {
     printItemColumnsHeader(true);
-    println(descriptionRow(atts.value(QLatin1StringView("number")),
-                           atts.value(QLatin1StringView("name")),
-                           atts.value(QLatin1StringView("price")),
-                           atts.value(QLatin1StringView("totalPrice")), dot, layout));
+    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), atts.value("price"_L1),
+                           atts.value("totalPrice"_L1), dot, layout));
 }
 
 // A dotted leader from the title to the amount in the total column.
 void PrinterDriver::printTotalLine(const QString& label, QStringView amount)
 {
-    println(descriptionRow(QString(), label, QString(), amount, dot, qdpt));
+    println(descriptionRow({}, label, {}, amount, dot, qdpt));
 }
 
-void PrinterDriver::printInvoiceTotals(const QXmlStreamAttributes& atts)
+void PrinterDriver::printInvoiceTotals(const XmlAttributes& atts)
 {
     setBold();
     println(QString());
-    printTotalLine(tr("Taxable"), atts.value(QLatin1StringView("taxable")));
-    printTotalLine(tr("TaxRate"), atts.value(QLatin1StringView("taxrate")));
-    printTotalLine(tr("Tax"), atts.value(QLatin1StringView("tax")));
-    printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("total")));
+    printTotalLine(tr("Taxable"), atts.value("taxable"_L1));
+    printTotalLine(tr("TaxRate"), atts.value("taxrate"_L1));
+    printTotalLine(tr("Tax"), atts.value("tax"_L1));
+    printTotalLine(tr("TOTAL"), atts.value("total"_L1));
     setCharSize();
 }
 
-void PrinterDriver::printAbstractItem(const QXmlStreamAttributes& atts)
+void PrinterDriver::printAbstractItem(const XmlAttributes& atts)
 {
     // An abstract line carries a count and an amount; the amount stands in
     // the total column under the title "Price", the unit price stays dotted.
     printItemColumnsHeader(false);
-    println(descriptionRow(value(atts, QLatin1StringView("number")),
-                           value(atts, QLatin1StringView("name")), QString(),
-                           value(atts, QLatin1StringView("price")), dot, qxdpt));
+    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {},
+                           atts.value("price"_L1), dot, qxdpt));
 }
 
 void PrinterDriver::printAbstractOrderReceipt(const QString& qName,
-                                              const QXmlStreamAttributes& atts)
+                                              const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    if (qName == QLatin1StringView("receipe_type")) {
+    if (qName == "receipe_type"_L1) {
         printAbstractItem(atts);
-    } else if (qName == QLatin1StringView("total")) {
+    } else if (qName == "total"_L1) {
         println(QString());
-        printTotalLine(tr("TOTAL"), atts.value(QLatin1StringView("price")));
-    } else if (qName == QLatin1StringView("notPaid")) {
+        printTotalLine(tr("TOTAL"), atts.value("price"_L1));
+    } else if (qName == "notPaid"_L1) {
         println(QString());
         // This title is printed as it stands, in every language.
-        println(QStringLiteral("   Corrispettivo non pagato: ")
-                + value(atts, QLatin1StringView("price")));
+        println(u"   Corrispettivo non pagato: "_s + atts.value("price"_L1).toString());
     }
 }
 
 void PrinterDriver::printAbstractOrderInvoice(const QString& qName,
-                                              const QXmlStreamAttributes& atts)
+                                              const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    if (qName == QLatin1StringView("customer"))
+    if (qName == "customer"_L1)
         printCustomerHeader(atts);
-    else if (qName == QLatin1StringView("receipe_type"))
+    else if (qName == "receipe_type"_L1)
         printAbstractItem(atts);
-    else if (qName == QLatin1StringView("totals"))
+    else if (qName == "totals"_L1)
         printInvoiceTotals(atts);
 }
 
-void PrinterDriver::printFullOrderFiscal(const QString& qName, const QXmlStreamAttributes& atts)
+void PrinterDriver::printFullOrderFiscal(const QString& qName, const XmlAttributes& atts)
 {
     // Read for every element, so that the setting of the document in force applies.
-    int descriptionWidth = boundedSetting(QStringLiteral("descriptionWidth"));
+    int descriptionWidth = boundedSetting("descriptionWidth"_L1);
     if (descriptionWidth == 0)
         descriptionWidth = int(getPaperWidth());
 
-    if (qName == QLatin1StringView("receipe")) {
-        const QString name = value(atts, QLatin1StringView("name"));
-        printRowFiscal(value(atts, QLatin1StringView("department")),
-                       value(atts, QLatin1StringView("number")),
-                       descriptionWidth < 0 ? name : name.left(descriptionWidth),
-                       value(atts, QLatin1StringView("price")));
-    } else if (qName == QLatin1StringView("total")) {
+    if (qName == "receipe"_L1) {
+        const QStringView name = atts.value("name"_L1);
+        printRowFiscal(atts.value("department"_L1).toString(), atts.value("number"_L1).toString(),
+                       (descriptionWidth < 0 ? name : name.left(descriptionWidth)).toString(),
+                       atts.value("price"_L1).toString());
+    } else if (qName == "total"_L1) {
         // The payment form writes only for "totals", so a fiscal receipt
         // carries its item lines alone; the printer sums them itself.
         printRowFiscal(qName, atts);
@@ -131,21 +122,20 @@ void PrinterDriver::printFullOrderFiscal(const QString& qName, const QXmlStreamA
 }
 
 void PrinterDriver::printAbstractOrderFiscal(const QString& qName,
-                                             const QXmlStreamAttributes& atts)
+                                             const XmlAttributes& atts)
 {
-    if (qName == QLatin1StringView("receipe_type")) {
-        printRowFiscal(value(atts, QLatin1StringView("department")), QStringLiteral("1"),
-                       value(atts, QLatin1StringView("name")),
-                       value(atts, QLatin1StringView("price")));
-    } else if (qName == QLatin1StringView("total")) {
+    if (qName == "receipe_type"_L1) {
+        printRowFiscal(atts.value("department"_L1).toString(), u"1"_s,
+                       atts.value("name"_L1).toString(), atts.value("price"_L1).toString());
+    } else if (qName == "total"_L1) {
         printRowFiscal(qName, atts);
     }
 }
 
-void PrinterDriver::printFullOrderDelivery(const QString& qName, const QXmlStreamAttributes& atts)
+void PrinterDriver::printFullOrderDelivery(const QString& qName, const XmlAttributes& atts)
 {
     // A delivery note's body is an order ticket.
-    if (qName == QLatin1StringView("customer"))
+    if (qName == "customer"_L1)
         printCustomerHeader(atts);
     else
         printPartialOrder(qName, atts);

@@ -1,23 +1,27 @@
 // Columned lines: items, column titles, separator rules.
 #include "printerdriver.h"
+#include "rowlayout.h"
+
+#include "emptytext.h"
+
+using namespace RowLayout;
+using namespace Qt::StringLiterals;
+
+void RowLayout::appendRight(QString& row, QStringView text, int width, QChar fill)
+{
+    if (text.size() < width)
+        row.resize(row.size() + (width - text.size()), fill);
+    row.append(text);
+}
+
+void RowLayout::appendLeft(QString& row, QStringView text, int width, QChar fill)
+{
+    row.append(text);
+    if (text.size() < width)
+        row.resize(row.size() + (width - text.size()), fill);
+}
 
 namespace {
-
-// Each column is appended to one row buffer. Padding never cuts: a value
-// longer than its column widens the line.
-void appendRight(QString& row, QStringView text, int width, QChar fill)
-{
-    if (text.size() < width)
-        row.resize(row.size() + (width - text.size()), fill);
-    row.append(text);
-}
-
-void appendLeft(QString& row, QStringView text, int width, QChar fill)
-{
-    row.append(text);
-    if (text.size() < width)
-        row.resize(row.size() + (width - text.size()), fill);
-}
 
 // The description column is exactly its width. A negative width (columns
 // wider than the paper) leaves the description whole, as an unsigned count would.
@@ -29,7 +33,6 @@ void appendDescription(QString& row, QStringView text, int width, QChar fill)
         appendLeft(row, text, width, fill);
 }
 
-const QChar blank(QLatin1Char(' '));
 const QLatin1StringView times(" x ");
 
 } // namespace
@@ -44,38 +47,38 @@ QString PrinterDriver::descriptionRow(QStringView a1, QStringView a2, QStringVie
     QString row;
     row.reserve(qMax(w, 0) + a1.size() + a2.size() + a3.size() + a4.size() + 8);
 
-    const bool withTimes = layout == QLatin1StringView("qxdpt");
-    if (withTimes || layout == QLatin1StringView("qdpt")) {
+    const bool withTimes = layout == qxdpt;
+    if (withTimes || layout == qdpt) {
         // "qxdpt" writes " x " after the quantity and so has a description
         // two characters narrower than "qdpt".
-        appendRight(row, a1, q, blank);
+        appendRight(row, a1, q);
         if (withTimes)
             row.append(times);
         else
             row.append(blank);
         appendDescription(row, a2, w - q - p - t - (withTimes ? 3 : 1), fill);
         appendRight(row, a3, p, fill);
-        appendRight(row, a4, t, blank);
-    } else if (layout == QLatin1StringView("qxdtDoubleLine")) {
-        row.append(a1).append(times).append(a3).append(QLatin1Char('\n'));
+        appendRight(row, a4, t);
+    } else if (layout == qxdtDoubleLine) {
+        row.append(a1).append(times).append(a3).append(u'\n');
         appendDescription(row, a2, w - t, fill);
         appendRight(row, a4, t, fill);
-    } else if (layout == QLatin1StringView("qxd")) {
-        appendRight(row, a1, q, blank);
+    } else if (layout == qxd) {
+        appendRight(row, a1, q);
         row.append(times);
         appendDescription(row, a2, w - q - 3, fill);
-    } else if (layout == QLatin1StringView("qd")) {
+    } else if (layout == qd) {
         // Three characters are reserved for a one-character separator, so the
         // line ends two characters short of the paper.
-        appendRight(row, a1, q, blank);
+        appendRight(row, a1, q);
         row.append(blank);
         appendDescription(row, a2, w - q - 3, blank);
-    } else if (layout == QLatin1StringView("date-amount-type")) {
-        appendLeft(row, a1, 15, blank);
+    } else if (layout == dateAmountType) {
+        appendLeft(row, a1, 15);
         appendDescription(row, a2, w - 15 - p - 3, fill);
         appendRight(row, a3, p, fill);
     } else {
-        return QLatin1String("");
+        return emptyText();
     }
     return row;
 }
@@ -86,7 +89,7 @@ void PrinterDriver::printColumnsHeader(const QString& a1, const QString& a2, con
     if (!oneTime())
         return;
     setBold();
-    println(descriptionRow(a1, a2, a3, a4, blank, QStringLiteral("qdpt")));
+    println(descriptionRow(a1, a2, a3, a4, blank, qdpt));
     setCharSize();
 }
 
@@ -104,5 +107,5 @@ void PrinterDriver::printItemColumnsHeader(bool withUnitPrice)
 
 void PrinterDriver::printSeparatorLine()
 {
-    println(QString(qMax(settings.paperWidth, 0), QLatin1Char('=')));
+    println(QString(qMax(settings.paperWidth, 0), u'='));
 }

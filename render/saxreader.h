@@ -5,6 +5,10 @@
 
 class QIODevice;
 
+// The attributes of one element, in document order, with the value of a
+// qualified name as a view (empty when the element has no such attribute).
+using XmlAttributes = QXmlStreamAttributes;
+
 // The event interface the print driver implements. Each callback answers
 // whether parsing should go on; returning false stops the parse at once.
 class XmlContentHandler
@@ -14,7 +18,7 @@ public:
 
     virtual bool startDocument() { return true; }
     virtual bool startElement(const QString& namespaceURI, const QString& localName,
-                              const QString& qName, const QXmlStreamAttributes& atts)
+                              const QString& qName, const XmlAttributes& atts)
     {
         (void)namespaceURI; (void)localName; (void)qName; (void)atts;
         return true;

@@ -1,39 +1,51 @@
 // The list of sold items and a customer's statement of account.
 #include "printerdriver.h"
+#include "rowlayout.h"
 
-void PrinterDriver::printSold(const QString& qName, const QXmlStreamAttributes& atts)
+using namespace Qt::StringLiterals;
+using namespace RowLayout;
+
+namespace {
+
+// The request names a movement by an untranslated word that is looked up in
+// the label catalogue like any other label. These are the words the suite
+// sends; they are listed here so that the catalogues carry them.
+[[maybe_unused]] constexpr const char* movementTypes[] = {
+    QT_TRANSLATE_NOOP("PrinterDriver", "Payment"),
+    QT_TRANSLATE_NOOP("PrinterDriver", "Invoice"),
+    QT_TRANSLATE_NOOP("PrinterDriver", "Receipt"),
+    QT_TRANSLATE_NOOP("PrinterDriver", "Credit note"),
+    QT_TRANSLATE_NOOP("PrinterDriver", "Deposit"),
+};
+
+} // namespace
+
+void PrinterDriver::printSold(const QString& qName, const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    if (qName == QLatin1StringView("receipe")) {
+    if (qName == "receipe"_L1) {
         setBold();
-        println(descriptionRow(value(atts, QLatin1StringView("quantity")),
-                               value(atts, QLatin1StringView("description")), QString(),
-                               value(atts, QLatin1StringView("amount")), QLatin1Char('.'),
-                               QStringLiteral("qxdpt")));
+        println(descriptionRow(atts.value("quantity"_L1), atts.value("description"_L1), {},
+                               atts.value("amount"_L1), dot, qxdpt));
         setCharSize();
     }
 }
 
-void PrinterDriver::printStatementOfAccount(const QString& qName,
-                                            const QXmlStreamAttributes& atts)
+void PrinterDriver::printStatementOfAccount(const QString& qName, const XmlAttributes& atts)
 {
     if (printSections(qName, atts))
         return;
 
-    const QString layout = QStringLiteral("date-amount-type");
-    if (qName == QLatin1StringView("statement_list")) {
+    if (qName == "statement_list"_L1) {
         setBold();
-        println(descriptionRow(tr("Date"), tr("Description"), tr("Amount"), QString(),
-                               QLatin1Char(' '), layout));
+        println(descriptionRow(tr("Date"), tr("Description"), tr("Amount"), {}, blank,
+                               dateAmountType));
         reset();
-    } else if (qName == QLatin1StringView("statement")) {
-        // The request sends untranslated movement types; they are looked up
-        // in the label catalogue like any other label.
-        const QByteArray type = value(atts, QLatin1StringView("type")).toUtf8();
-        println(descriptionRow(value(atts, QLatin1StringView("date")) + QLatin1StringView(": "),
-                               tr(type.constData()), value(atts, QLatin1StringView("amount")),
-                               QString(), QLatin1Char('.'), layout));
+    } else if (qName == "statement"_L1) {
+        const QByteArray type = atts.value("type"_L1).toUtf8();
+        println(descriptionRow(atts.value("date"_L1).toString() + ": "_L1, tr(type.constData()),
+                               atts.value("amount"_L1), {}, dot, dateAmountType));
     }
 }

@@ -1,5 +1,4 @@
-#ifndef CONFIGTESTUTIL_H
-#define CONFIGTESTUTIL_H
+#pragma once
 
 #include "confignode.h"
 
@@ -46,5 +45,3 @@ inline QString dumpTree(const libconfig::ConfigNode* node)
     }
     return out;
 }
-
-#endif

@@ -86,7 +86,7 @@ TEST(Device, FiscalPaymentLines)
     struct Case
     {
         const char* name;
-        QXmlStreamAttributes atts;
+        XmlAttributes atts;
         const char* expected;
     };
     const auto a = TestDriver::attrs;

@@ -29,15 +29,15 @@ public:
         settings.priceFieldWidth = p;
         settings.totalPriceFieldWidth = t;
     }
-    bool element(const QString& name, const QXmlStreamAttributes& atts = {})
+    bool element(const QString& name, const XmlAttributes& atts = {})
     {
         return startElement(QString(), name, name, atts);
     }
     bool selectMethod(const QString& name) { return element(QStringLiteral("method"), attrs({{"name", name}})); }
 
-    static QXmlStreamAttributes attrs(std::initializer_list<std::pair<const char*, QString>> list)
+    static XmlAttributes attrs(std::initializer_list<std::pair<const char*, QString>> list)
     {
-        QXmlStreamAttributes atts;
+        XmlAttributes atts;
         for (const auto& [name, value] : list)
             atts.append(QString::fromLatin1(name), value);
         return atts;
