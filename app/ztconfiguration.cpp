@@ -14,6 +14,15 @@ ZTConfiguration::ZTConfiguration(const QString& path, const QString& fileType)
     readFile(path, fileType);
 }
 
+ZTConfiguration::ZTConfiguration(Unloaded) {}
+
+std::unique_ptr<ZTConfiguration> ZTConfiguration::fromText(const QByteArray& text, const QString& fileType)
+{
+    std::unique_ptr<ZTConfiguration> configuration(new ZTConfiguration(Unloaded{}));
+    configuration->readData(text, fileType);
+    return configuration;
+}
+
 QString ZTConfiguration::userFilePath()
 {
     return QDir::homePath() + "/.zentaro/conf/zentaro.conf"_L1;

@@ -2,7 +2,10 @@
 
 #include "config.h"
 
+#include <QByteArray>
 #include <QString>
+
+#include <memory>
 
 // The application configuration. The print run and the suite's tools reach
 // the user's own file, $HOME/.zentaro/conf/zentaro.conf, through
@@ -15,6 +18,9 @@ public:
     ZTConfiguration();
     // The file at `path`, in the format `fileType` ("cfg" or "xml").
     explicit ZTConfiguration(const QString& path, const QString& fileType = QStringLiteral("cfg"));
+    // Configuration text held in memory, read as a file of that format.
+    static std::unique_ptr<ZTConfiguration> fromText(const QByteArray& text,
+                                                     const QString& fileType = QStringLiteral("cfg"));
 
     // Where the user's file is: the home folder + "/.zentaro/conf/zentaro.conf".
     static QString userFilePath();
@@ -22,4 +28,8 @@ public:
     // The text of a dotted key such as "zentaro.logger.level"; empty when
     // the key is not set.
     QString getStrValue(const QString& key) const;
+
+private:
+    struct Unloaded {};
+    explicit ZTConfiguration(Unloaded);
 };

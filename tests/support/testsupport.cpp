@@ -1,0 +1,97 @@
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"' << (text.isNull() ? " (null)" : "");
+}
+
+namespace testsupport {
+
+bool writeBytes(const QString& path, std::string_view bytes)
+{
+    if (!QDir().mkpath(QFileInfo(path).path()))
+        return false;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    return file.write(bytes.data(), qint64(bytes.size())) == qint64(bytes.size());
+}
+
+QByteArray readBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TemporaryHome::TemporaryHome()
+    : savedHome(qgetenv("HOME"))
+{
+    qputenv("HOME", dir.path().toLocal8Bit());
+}
+
+TemporaryHome::~TemporaryHome()
+{
+    qputenv("HOME", savedHome);
+}
+
+QString TemporaryHome::path() const
+{
+    return dir.path();
+}
+
+QString TemporaryHome::configurationPath() const
+{
+    return dir.path() + QStringLiteral("/.zentaro/conf/zentaro.conf");
+}
+
+bool TemporaryHome::writeConfiguration(std::string_view text) const
+{
+    return writeBytes(configurationPath(), text);
+}
+
+namespace {
+
+QStringList visibleLines(const QByteArray& text)
+{
+    QStringList lines;
+    const QList<QByteArray> pieces = text.split('\n');
+    for (qsizetype i = 0; i < pieces.size(); ++i) {
+        QString line;
+        for (const char c : pieces[i]) {
+            const auto u = static_cast<unsigned char>(c);
+            line += u < 32 || u == 127 ? QStringLiteral("^") + QChar(u ^ 64) : QString(QChar(u));
+        }
+        if (i + 1 < pieces.size())
+            lines.append(line + QLatin1Char('$'));
+        else if (!line.isEmpty())
+            lines.append(line);
+    }
+    return lines;
+}
+
+} // namespace
+
+std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
+{
+    const QStringList want = visibleLines(expected), got = visibleLines(actual);
+    QString out = QStringLiteral("--- expected\n+++ actual\n");
+    for (qsizetype i = 0; i < qMax(want.size(), got.size()); ++i) {
+        const QString n = QString::number(i + 1) + QLatin1Char('\t');
+        if (i < want.size() && i < got.size() && want[i] == got[i]) {
+            out += QStringLiteral("  ") + n + want[i] + QLatin1Char('\n');
+            continue;
+        }
+        if (i < want.size())
+            out += QStringLiteral("- ") + n + want[i] + QLatin1Char('\n');
+        if (i < got.size())
+            out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
+    }
+    return out.toStdString();
+}
+
+} // namespace testsupport

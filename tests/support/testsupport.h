@@ -1,0 +1,50 @@
+#pragma once
+
+// What the test programs share: readable QString failures, files written
+// and read byte for byte, a temporary home folder, and line diffs of
+// printed text.
+
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+// Readable failure messages for QString comparisons.
+void PrintTo(const QString& text, std::ostream* os);
+
+namespace testsupport {
+
+// Writes the bytes exactly as given (NUL and 8-bit bytes included),
+// creating the folders on the way.
+bool writeBytes(const QString& path, std::string_view bytes);
+QByteArray readBytes(const QString& path);
+
+// A fresh home folder that HOME points at while the object lives, for code
+// that finds the user's configuration on its own.
+class TemporaryHome
+{
+public:
+    TemporaryHome();
+    ~TemporaryHome();
+    TemporaryHome(const TemporaryHome&) = delete;
+    TemporaryHome& operator=(const TemporaryHome&) = delete;
+
+    QString path() const;
+    // Writes the user's configuration file ($HOME/.zentaro/conf/zentaro.conf).
+    bool writeConfiguration(std::string_view text) const;
+    QString configurationPath() const;
+
+private:
+    QTemporaryDir dir;
+    QByteArray savedHome;
+};
+
+// The lines of both texts side by side as cat -A would show them ("$" at a
+// line end, "^M" for a carriage return): equal lines plain, differing ones
+// marked - (expected) and + (actual).
+std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
+
+} // namespace testsupport
