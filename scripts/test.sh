@@ -92,10 +92,6 @@ echo "==> replay fuzz regressions"
 ctest --test-dir "$build_root/build-fuzz" -R '^fuzz_.*_regressions$' --output-on-failure \
   || failures+=("fuzz regressions")
 
-# Database tests: when a test needs the PostgreSQL server, start a throwaway
-# one here (initdb into a temporary directory, pg_ctl start on a private
-# socket directory, export its connection parameters, stop it on EXIT).
-
 echo "==> unit tests, normal build"
 ctest --test-dir "$build_root/build" --output-on-failure -j "$ctest_jobs" --timeout 600 \
   || failures+=("ctest build")
