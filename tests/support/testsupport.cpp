@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
 void PrintTo(const QString& text, std::ostream* os)
 {
     *os << '"' << text.toStdString() << '"' << (text.isNull() ? " (null)" : "");
@@ -92,6 +94,21 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
             out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
     }
     return out.toStdString();
+}
+
+void expectGoldenFile(const QString& path, const QByteArray& actual)
+{
+    if (qEnvironmentVariableIntValue("GOLDEN_UPDATE") == 1) {
+        EXPECT_TRUE(writeBytes(path, actual.toStdString())) << path.toStdString();
+        return;
+    }
+    if (!QFileInfo::exists(path)) {
+        ADD_FAILURE() << "no golden file " << path.toStdString() << " (GOLDEN_UPDATE=1 writes it)";
+        return;
+    }
+    const QByteArray expected = readBytes(path);
+    // Not EXPECT_EQ: the diff says more than two dumps of the bytes.
+    EXPECT_TRUE(expected == actual) << path.toStdString() << '\n' << lineDiff(expected, actual);
 }
 
 } // namespace testsupport

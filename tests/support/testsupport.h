@@ -47,4 +47,9 @@ private:
 // marked - (expected) and + (actual).
 std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
 
+// Expects `actual` to be the bytes of the golden file at `path`, showing a
+// line diff when it is not. With GOLDEN_UPDATE=1 in the environment it
+// writes the file instead, for review with git diff.
+void expectGoldenFile(const QString& path, const QByteArray& actual);
+
 } // namespace testsupport
