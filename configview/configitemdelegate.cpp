@@ -33,4 +33,19 @@ void ConfigItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
     QStyledItemDelegate::setModelData(editor, model, index);
 }
 
+// A value's editor opens after the "name = " it belongs to, which stays in
+// sight while the value is typed.
+void ConfigItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                              const QModelIndex& index) const
+{
+    QStyledItemDelegate::updateEditorGeometry(editor, option, index);
+    const QVariant name = index.data(settingNameRole);
+    if (!name.isValid())
+        return;
+    const int shownNameWidth = option.fontMetrics.horizontalAdvance(name.toString() + settingSeparator);
+    QRect area = editor->geometry();
+    area.setLeft(qMin(area.left() + shownNameWidth, area.right() - option.fontMetrics.averageCharWidth() * 8));
+    editor->setGeometry(area);
+}
+
 } // namespace libconfig

@@ -57,9 +57,14 @@ QTreeWidget* Config::buildConfigListView() const
         for (const auto& element : documentRoot->children())
             buildConfigListView(element.get(), view);
     }
-    // The file and its groups open; each group's settings one click away.
-    for (int i = 0; i < view->topLevelItemCount(); ++i)
-        view->topLevelItem(i)->setExpanded(true);
+    // The file and its top-level group open; each group's settings one
+    // click away.
+    for (int i = 0; i < view->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* file = view->topLevelItem(i);
+        file->setExpanded(true);
+        for (int j = 0; j < file->childCount(); ++j)
+            file->child(j)->setExpanded(true);
+    }
     return view;
 }
 
