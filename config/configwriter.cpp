@@ -85,19 +85,27 @@ bool writeTextFile(const QString& name, QByteArrayView operation, QStringConvert
     return true;
 }
 
+// A whole file: the file element's own settings, then its first group
+// written by `writeGroup`; later top-level groups are not written.
+template<class WriteGroup>
+bool writeTree(const ConfigNode* root, const QString& name, QByteArrayView operation,
+               QStringConverter::Encoding encoding, WriteGroup writeGroup)
+{
+    const ConfigNode* fileElement = root ? root->firstChild() : nullptr;
+    return writeTextFile(name, operation, encoding, [&](QTextStream& ts) {
+        if (!fileElement)
+            return;
+        writeFileSettings(ts, *fileElement);
+        writeGroup(fileElement->firstChild(), ts);
+    });
+}
+
 } // namespace
 
 bool Config::buildConfigFile(const QString& name) const
 {
-    const ConfigNode* fileElement = documentRoot ? documentRoot->firstChild() : nullptr;
-    return writeTextFile(name.isEmpty() ? fileName : name, "buildConfigFile", textEncoding(u"cfg"),
-                         [this, fileElement](QTextStream& ts) {
-                             if (!fileElement)
-                                 return;
-                             writeFileSettings(ts, *fileElement);
-                             // Later top-level groups are not written.
-                             buildConfigFile(fileElement->firstChild(), ts);
-                         });
+    return writeTree(documentRoot.get(), name.isEmpty() ? fileName : name, "buildConfigFile", textEncoding(u"cfg"),
+                     [this](const ConfigNode* group, QTextStream& ts) { buildConfigFile(group, ts); });
 }
 
 // A group header ends with a blank after the colon and its brace stands on
@@ -116,18 +124,13 @@ void Config::buildConfigFile(const ConfigNode* node, QTextStream& ts) const
         [&ts](const ConfigNode&, std::size_t depth) { ts << indentation(depth) << "};\n\n"; });
 }
 
+// A tree read from XML has no settings on its file element; any other tree
+// keeps them, written as "cfg" lines, at the price of well-formed XML.
 bool Config::buildConfigXmlFile(const QString& name) const
 {
-    const ConfigNode* fileElement = documentRoot ? documentRoot->firstChild() : nullptr;
-    return writeTextFile(name.isEmpty() ? fileName : name, "buildConfigXmlFile", textEncoding(u"xml"),
-                         [this, fileElement](QTextStream& ts) {
-                             if (!fileElement)
-                                 return;
-                             // A tree read from XML has none of these; any other
-                             // tree keeps them, at the price of well-formed XML.
-                             writeFileSettings(ts, *fileElement);
-                             buildConfigXmlFile(fileElement->firstChild(), ts);
-                         });
+    return writeTree(documentRoot.get(), name.isEmpty() ? fileName : name, "buildConfigXmlFile",
+                     textEncoding(u"xml"),
+                     [this](const ConfigNode* element, QTextStream& ts) { buildConfigXmlFile(element, ts); });
 }
 
 // Each element starts on a fresh line and each of its settings stands on a

@@ -11,6 +11,9 @@ packages=(
   libqt6sql6-psql postgresql
   libgtest-dev
   clang
+  # text in the editor window drawn on the offscreen platform (view tests,
+  # the README's picture)
+  fonts-dejavu-core
 )
 
 installed() {
