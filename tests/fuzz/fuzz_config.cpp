@@ -1,8 +1,9 @@
-// Feeds arbitrary bytes to both configuration readers and to the lookup.
+// Feeds arbitrary bytes to both configuration readers, the lookup and the writers.
 #include "config.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QTextStream>
 
 #include <cstdint>
 
@@ -19,6 +20,17 @@ void exerciseLookups(const libconfig::Config& config, const uint8_t* data, size_
     (void)config.lookup(QString::fromLatin1(reinterpret_cast<const char*>(data), qsizetype(keyLength)));
 }
 
+// The writers take whatever tree the readers make. The text goes to a
+// string: the fuzzer has no files to spare.
+void exerciseWriters(const libconfig::Config& config)
+{
+    QString text;
+    QTextStream ts(&text);
+    const libconfig::ConfigNode* fileElement = config.document()->firstChild();
+    config.buildConfigFile(fileElement, ts);
+    config.buildConfigXmlFile(fileElement, ts);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -28,6 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         libconfig::Config config;
         config.readData(bytes, QString::fromLatin1(format), QStringLiteral("fuzz.conf"));
         exerciseLookups(config, data, size);
+        exerciseWriters(config);
     }
     return 0;
 }

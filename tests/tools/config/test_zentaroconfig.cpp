@@ -66,25 +66,15 @@ protected:
         return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     }
 
-    QString writeInHome(const QString& name, const QByteArray& text) const
+    void writeInHome(const QString& name, const QByteArray& text) const
     {
-        const QString path = home.filePath(name);
-        EXPECT_TRUE(testsupport::writeBytes(path, text.toStdString()));
-        return path;
+        EXPECT_TRUE(testsupport::writeBytes(home.filePath(name), text.toStdString()));
     }
 
     QTemporaryDir home;
     QString userFile;
     QDateTime userFileTime;
 };
-
-TEST_F(ToolTest, GetPrintsTheValueOfTheUsersFileAndALineEnd)
-{
-    const Outcome r = run({u"get"_s, u"zentaro.logger.level"_s});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "WARNING\n");
-    EXPECT_EQ(r.err, "");
-}
 
 struct GetCase {
     const char* name;
@@ -115,9 +105,9 @@ TEST_P(Get, PrintsTheValueOrNothing)
 INSTANTIATE_TEST_SUITE_P(
     Cases, Get,
     testing::Values(
+        GetCase{"UsersFile", {u"get"_s, u"zentaro.logger.level"_s}, 0, "WARNING\n"},
         GetCase{"MissingKey", {u"get"_s, u"zentaro.logger.size"_s}, 1, ""},
         GetCase{"EmptyValueIsNotThere", {u"get"_s, u"zentaro.language.basedir"_s}, 1, ""},
-        GetCase{"GroupIsNoValue", {u"get"_s, u"zentaro.logger"_s}, 1, ""},
         GetCase{"CfgBytesAsInTheFile", {u"--file"_s, u"other.conf"_s, u"get"_s, u"zentaro.company.name"_s}, 0,
                 "Caf\xE9\n"},
         GetCase{"XmlByItsName", {u"-f"_s, u"other.xml"_s, u"get"_s, u"zentaro.company.name"_s}, 0, "Caf\xC3\xA9\n"},
@@ -127,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ToolTest, DumpPrintsTheTree)
 {
-    const QString input = writeInHome(u"zentaro.conf"_s, readBytes(writerData + "/worked_example/input.conf"_L1));
+    writeInHome(u"zentaro.conf"_s, readBytes(writerData + "/worked_example/input.conf"_L1));
     QByteArray expected = readBytes(writerData + "/worked_example/expected.tree"_L1);
     expected.replace("/home/anna/.zentaro/conf/zentaro.conf", "zentaro.conf");
 
@@ -148,14 +138,6 @@ TEST_F(ToolTest, WriteCfgAndWriteXmlConvert)
         const QByteArray expected = readBytes(writerData + "/example_configuration/"_L1 + QLatin1StringView(golden));
         EXPECT_TRUE(readBytes(output) == expected) << testsupport::lineDiff(expected, readBytes(output));
     }
-}
-
-TEST_F(ToolTest, ConvertedXmlReadsBack)
-{
-    ASSERT_EQ(run({u"write-xml"_s, u"copy.xml"_s}).status, 0);
-    const Outcome r = run({u"--file"_s, u"copy.xml"_s, u"get"_s, u"zentaro.receiptdoc.openCashDrawer"_s});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "true\n");
 }
 
 class Usage : public ToolTest, public testing::WithParamInterface<QStringList>
@@ -212,12 +194,9 @@ TEST_P(Failure, OneLineAndStatus1)
 {
     writeInHome(u"broken.xml"_s, "<zentaro><logger level='x'></zentaro>");
     ASSERT_TRUE(QDir(home.path()).mkpath(u"folder"_s));
-    QStringList arguments = GetParam().arguments;
-    arguments.replaceInStrings(u"@HOME@"_s, home.path());
-
-    const Outcome r = run(arguments);
+    const Outcome r = run(GetParam().arguments);
     EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, QByteArray(GetParam().out).replace("@HOME@", home.path().toUtf8()));
+    EXPECT_EQ(r.out, GetParam().out);
     EXPECT_TRUE(r.err.startsWith(GetParam().errStart)) << r.err.toStdString();
     EXPECT_EQ(r.err.count('\n'), GetParam().errStart.isEmpty() ? 0 : 1) << r.err.toStdString();
 }
@@ -230,9 +209,8 @@ INSTANTIATE_TEST_SUITE_P(
         FailureCase{"Folder", {u"-f"_s, u"folder"_s, u"dump"_s}, "", "zentaro-config: cannot read folder: "},
         FailureCase{"MalformedXml", {u"-f"_s, u"broken.xml"_s, u"dump"_s}, "",
                     "zentaro-config: cannot read broken.xml: not well-formed XML"},
-        FailureCase{"UnwritableOutput", {u"write-cfg"_s, u"@HOME@/no/such/folder.conf"_s},
-                    "Error in the method Config::buildConfigFile( @HOME@/no/such/folder.conf ): Unable To Open File\n",
-                    ""},
+        FailureCase{"UnwritableOutput", {u"write-cfg"_s, u"no/such/folder.conf"_s},
+                    "Error in the method Config::buildConfigFile( no/such/folder.conf ): Unable To Open File\n", ""},
         FailureCase{"OutputIsTheInput", {u"write-xml"_s, u"./.zentaro/conf/zentaro.conf"_s}, "",
                     "zentaro-config: ./.zentaro/conf/zentaro.conf is the file being read"},
         FailureCase{"EditWithoutDisplay", {u"edit"_s}, "", "zentaro-config: edit needs a display"}),
@@ -245,13 +223,6 @@ TEST_F(ToolTest, EditShowsTheWindowAndLeavesTheFile)
     EXPECT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, "");
     EXPECT_TRUE(readBytes(picture).startsWith("\x89PNG"));
-}
-
-TEST_F(ToolTest, EditOnAFileThatCannotBeRead)
-{
-    const Outcome r = run({u"-f"_s, u"missing.conf"_s, u"edit"_s}, {u"QT_QPA_PLATFORM=offscreen"_s});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.err.contains("zentaro-config: cannot read missing.conf: no such file\n")) << r.err.toStdString();
 }
 
 } // namespace
