@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes as a print request through the driver and the
 // command-text device, with a fixed configuration.
 #include "companyprinterdriver.h"
-#include "saxreader.h"
+#include "xmlreader.h"
 #include "ztconfiguration.h"
 
 #include <QBuffer>
