@@ -14,41 +14,60 @@
 
 using namespace Qt::StringLiterals;
 
-QStringView XmlAttributes::value(QLatin1StringView qualifiedName) const
+XmlAttributes::XmlAttributes(const XmlAttributes& other)
 {
-    for (const XmlAttribute& attribute : *this) {
-        if (attribute.qualifiedName() == qualifiedName)
-            return attribute.value();
+    *this = other;
+}
+
+XmlAttributes& XmlAttributes::operator=(const XmlAttributes& other)
+{
+    if (this == &other)
+        return *this;
+    clear();
+    char16_t* const base = reserve(other.used);
+    std::copy_n(other.buffer.get(), other.used, base);
+    for (const XmlAttribute& attribute : other.items) {
+        const char16_t* name = base + (attribute.m_qualifiedName.utf16() - other.buffer.get());
+        const char16_t* value = name + attribute.m_qualifiedName.size();
+        add(name, value, value + attribute.m_value.size());
     }
-    return u"";
+    return *this;
 }
 
 QStringView XmlAttributes::value(QStringView qualifiedName) const
 {
-    for (const XmlAttribute& attribute : *this) {
-        if (attribute.qualifiedName() == qualifiedName)
-            return attribute.value();
+    for (const XmlAttribute& attribute : items) {
+        if (attribute.m_qualifiedName == qualifiedName)
+            return attribute.m_value;
     }
     return u"";
 }
 
-void XmlAttributes::append(const QString& qualifiedName, const QString& value)
+void XmlAttributes::append(QStringView qualifiedName, QStringView value)
 {
-    QString* name = nullptr;
-    QString* text = nullptr;
-    appendSlot(name, text);
-    *name = qualifiedName;
-    *text = value;
+    char16_t* name = reserve(qualifiedName.size() + value.size());
+    char16_t* end = std::copy_n(qualifiedName.utf16(), qualifiedName.size(), name);
+    add(name, end, std::copy_n(value.utf16(), value.size(), end));
 }
 
-XmlAttribute& XmlAttributes::appendSlot(QString*& name, QString*& value)
+void XmlAttributes::clear()
 {
-    if (std::size_t(m_count) == m_items.size())
-        m_items.emplace_back();
-    XmlAttribute& slot = m_items[std::size_t(m_count++)];
-    name = &slot.m_qualifiedName;
-    value = &slot.m_value;
-    return slot;
+    used = 0;
+    items.clear();
+}
+
+void XmlAttributes::grow(qsizetype count)
+{
+    const qsizetype grown = qMax(2 * capacity, used + count + 256);
+    auto larger = std::make_unique<char16_t[]>(std::size_t(grown));
+    std::copy_n(buffer.get(), used, larger.get());
+    for (XmlAttribute& attribute : items) {
+        const char16_t* name = larger.get() + (attribute.m_qualifiedName.utf16() - buffer.get());
+        attribute.m_qualifiedName = QStringView(name, attribute.m_qualifiedName.size());
+        attribute.m_value = QStringView(name + attribute.m_qualifiedName.size(), attribute.m_value.size());
+    }
+    buffer = std::move(larger);
+    capacity = grown;
 }
 
 bool XmlContentHandler::startElement(const QString&, const QString&, const QString&,
@@ -81,11 +100,18 @@ public:
     const Name& find(const char* utf8)
     {
         const qsizetype length = qsizetype(std::strlen(utf8));
+        // An end tag names the element just started, and items repeat: the
+        // name found last is tried first.
+        if (matches(*last, utf8, length))
+            return *last;
         for (const Name& name : names) {
-            if (name.utf8.size() == length && std::memcmp(name.utf8.constData(), utf8, std::size_t(length)) == 0)
+            if (matches(name, utf8, length)) {
+                last = &name;
                 return name;
+            }
         }
         Name& slot = names[next];
+        last = &slot;
         next = (next + 1) % names.size();
         slot.utf8 = QByteArray(utf8, length);
         slot.qualified = QString::fromUtf8(slot.utf8);
@@ -95,13 +121,52 @@ public:
     }
 
 private:
+    static bool matches(const Name& name, const char* utf8, qsizetype length)
+    {
+        return name.utf8.size() == length && std::memcmp(name.utf8.constData(), utf8, std::size_t(length)) == 0;
+    }
+
     std::array<Name, 16> names;
+    const Name* last = &names[0];
     std::size_t next = 0;
 };
 
 bool isControl(char16_t c)
 {
     return c < 0x20 || c == 0x7f;
+}
+
+// Copies the leading ASCII of `utf8` into `out`, eight or four bytes at a
+// time where it can, and answers how many bytes that was. Control
+// characters become blanks when asked.
+template<typename Block>
+qsizetype widenBlocks(const char* utf8, qsizetype length, char16_t* out, bool blank, qsizetype i)
+{
+    constexpr Block ones = Block(0x0101010101010101ull);
+    constexpr Block highBits = Block(0x8080808080808080ull);
+    for (; length - i >= qsizetype(sizeof(Block)); i += sizeof(Block)) {
+        Block bytes;
+        std::memcpy(&bytes, utf8 + i, sizeof(Block));
+        if (bytes & highBits)
+            break;
+        for (std::size_t k = 0; k < sizeof(Block); ++k)
+            out[i + k] = static_cast<unsigned char>(utf8[i + k]);
+        // A byte below 0x20 or equal to 0x7f: the usual zero-byte test on
+        // the bytes less 0x20 and on the bytes xor 0x7f (a borrow only ever
+        // adds a false alarm, which the scan then clears).
+        if (blank && (((bytes - 0x20 * ones) | ((bytes ^ 0x7f * ones) - ones)) & highBits))
+            std::replace_if(out + i, out + i + sizeof(Block), isControl, u' ');
+    }
+    return i;
+}
+
+qsizetype widenAscii(const char* utf8, qsizetype length, char16_t* out, bool blank)
+{
+    qsizetype i = widenBlocks<quint64>(utf8, length, out, blank, 0);
+    i = widenBlocks<quint32>(utf8, length, out, blank, i);
+    for (; i < length && static_cast<unsigned char>(utf8[i]) < 0x80; ++i)
+        out[i] = blank && isControl(char16_t(utf8[i])) ? u' ' : char16_t(utf8[i]);
+    return i;
 }
 
 // Whether the first bytes of a document say which encoding it is in: a
@@ -166,14 +231,6 @@ struct XmlReader::Private
     {
     }
 
-    // Where the last event ended, so that markup still held back by the
-    // parser can be measured, and on which line.
-    void noteEvent()
-    {
-        lastEventEnd = XML_GetCurrentByteIndex(parser) + XML_GetCurrentByteCount(parser);
-        lastEventLine = qint64(XML_GetCurrentLineNumber(parser));
-    }
-
     void stop()
     {
         stopped = true;
@@ -188,7 +245,6 @@ struct XmlReader::Private
         if (stopped)
             return;
         try {
-            noteEvent();
             step();
         } catch (...) {
             exception = std::current_exception();
@@ -196,27 +252,37 @@ struct XmlReader::Private
         }
     }
 
-    // Values are decoded into the slot's own text, whose storage stays
-    // from one element to the next.
-    void assign(QString& text, const char* utf8)
+    // Decodes one name or value into `out`, answering where it ends. Most
+    // request text is ASCII, which is widened eight bytes at a time.
+    char16_t* decode(const char* utf8, qsizetype length, char16_t* out, bool blank)
     {
-        const qsizetype length = qsizetype(std::strlen(utf8));
-        text.resize(length);
-        char16_t* out = reinterpret_cast<char16_t*>(text.data());
-        qsizetype i = 0;
-        for (; i < length && static_cast<unsigned char>(utf8[i]) < 0x80; ++i)
-            out[i] = blankControls && isControl(char16_t(utf8[i])) ? u' ' : char16_t(utf8[i]);
-        if (i == length)
-            return;
-        // Expat hands over valid UTF-8 only, so the decoder's state stays clean.
-        QChar* end = utf8Decoder.appendToBuffer(reinterpret_cast<QChar*>(out + i),
-                                                QByteArrayView(utf8 + i, length - i));
-        text.resize(end - text.constData());
-        if (blankControls) {
-            for (QChar& c : text) {
-                if (isControl(c.unicode()))
-                    c = u' ';
-            }
+        const qsizetype ascii = widenAscii(utf8, length, out, blank);
+        char16_t* end = out + ascii;
+        if (ascii < length) {
+            // Expat hands over valid UTF-8 only, so the decoder's state stays clean.
+            end = reinterpret_cast<char16_t*>(utf8Decoder.appendToBuffer(
+                reinterpret_cast<QChar*>(end), QByteArrayView(utf8 + ascii, length - ascii)));
+            if (blank)
+                std::replace_if(out + ascii, end, isControl, u' ');
+        }
+        return end;
+    }
+
+    // The element's names and values go straight into the attribute list's
+    // buffer, measured first so that it is made large enough once.
+    void readAttributes(const XML_Char** atts)
+    {
+        attributes.clear();
+        lengths.clear();
+        qsizetype total = 0;
+        for (const XML_Char** at = atts; *at; ++at)
+            total += lengths.emplace_back(qsizetype(std::strlen(*at)));
+        char16_t* out = attributes.reserve(total);
+        for (std::size_t i = 0; atts[i]; i += 2) {
+            char16_t* const name = out;
+            char16_t* const value = decode(atts[i], lengths[i], name, false);
+            out = decode(atts[i + 1], lengths[i + 1], value, blankControls);
+            attributes.add(name, value, out);
         }
     }
 
@@ -224,14 +290,7 @@ struct XmlReader::Private
     {
         auto* d = static_cast<Private*>(data);
         d->guarded([d, name, atts] {
-            d->attributes.clear();
-            for (const XML_Char** at = atts; *at; at += 2) {
-                QString* attributeName = nullptr;
-                QString* value = nullptr;
-                d->attributes.appendSlot(attributeName, value);
-                *attributeName = d->attributeNames.find(at[0]).qualified;
-                d->assign(*value, at[1]);
-            }
+            d->readAttributes(atts);
             const NameCache::Name& element = d->elementNames.find(name);
             if (!d->handler.startElement(d->noNamespace, element.local, element.qualified, d->attributes))
                 d->stop();
@@ -246,20 +305,6 @@ struct XmlReader::Private
             if (!d->handler.endElement(d->noNamespace, element.local, element.qualified))
                 d->stop();
         });
-    }
-
-    // Text, comments and the rest are not passed on; they only move the
-    // place up to which the input has been taken in.
-    static void XMLCALL onText(void* data, const XML_Char* text, int length)
-    {
-        auto* d = static_cast<Private*>(data);
-        d->noteEvent();
-        d->lastEventLine += std::count(text, text + length, '\n');
-    }
-
-    static void XMLCALL onOther(void* data, const XML_Char*, int)
-    {
-        static_cast<Private*>(data)->noteEvent();
     }
 
     // Single-byte encodings that expat does not know itself are mapped byte
@@ -288,15 +333,13 @@ struct XmlReader::Private
 
     XML_Parser parser = nullptr;
     XmlAttributes attributes;
+    std::vector<qsizetype> lengths;
     NameCache elementNames;
-    NameCache attributeNames;
     QStringDecoder utf8Decoder{QStringDecoder::Utf8};
     const QString noNamespace;
 
     bool stopped = false;
     std::exception_ptr exception;
-    qint64 lastEventEnd = 0;
-    qint64 lastEventLine = 1;
     qint64 faultOffset = -1;
     qint64 faultLine = -1;
 };
@@ -337,8 +380,6 @@ bool XmlReader::parse(QIODevice* input)
 {
     d->stopped = false;
     d->exception = nullptr;
-    d->lastEventEnd = 0;
-    d->lastEventLine = 1;
     d->faultOffset = -1;
     d->faultLine = -1;
     if (!d->handler.startDocument())
@@ -355,8 +396,6 @@ bool XmlReader::parse(QIODevice* input)
     d->parser = parser.get();
     XML_SetUserData(d->parser, d.get());
     XML_SetElementHandler(d->parser, &Private::onStart, &Private::onEnd);
-    XML_SetCharacterDataHandler(d->parser, &Private::onText);
-    XML_SetDefaultHandlerExpand(d->parser, &Private::onOther);
     XML_SetUnknownEncodingHandler(d->parser, &Private::onUnknownEncoding, nullptr);
 
     qint64 taken = 0;
@@ -382,10 +421,13 @@ bool XmlReader::parse(QIODevice* input)
         if (last)
             break;
         taken += got;
-        // What the parser holds back is one unfinished piece of markup.
-        if (taken - d->lastEventEnd > largestMarkup) {
-            d->faultOffset = d->lastEventEnd;
-            d->faultLine = d->lastEventLine;
+        // Between two reads the parser's place is the start of what it
+        // holds back: one unfinished piece of markup (or, when the read
+        // ended between two, the last one it finished).
+        const qint64 place = XML_GetCurrentByteIndex(d->parser);
+        if (place >= 0 && taken - place > largestMarkup) {
+            d->faultOffset = place;
+            d->faultLine = qint64(XML_GetCurrentLineNumber(d->parser));
             printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
                              ": a start tag or other markup there is larger than the limit of ",
                              QByteArray::number(largestMarkup >> 20), " MiB"});

@@ -10,8 +10,24 @@
 
 class QIODevice;
 
+// Whether an element's or attribute's name is `word`. Names are short and
+// compared for every element of a long document, so this is a plain loop,
+// not a call.
+inline bool isName(QStringView name, QLatin1StringView word)
+{
+    if (name.size() != word.size())
+        return false;
+    const char16_t* a = name.utf16();
+    const char* b = word.data();
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        if (a[i] != static_cast<unsigned char>(b[i]))
+            return false;
+    }
+    return true;
+}
+
 // One attribute of an element: its name as written (no namespace
-// processing) and its value.
+// processing) and its value. Views into the list that holds it.
 class XmlAttribute
 {
 public:
@@ -20,37 +36,67 @@ public:
 
 private:
     friend class XmlAttributes;
-    QString m_qualifiedName;
-    QString m_value;
+    QStringView m_qualifiedName;
+    QStringView m_value;
 };
 
-// The attributes of one element in document order. The reader refills one
-// list for every element, reusing the texts' storage, so that an element
-// costs no allocation once the list has grown to the widest element.
+// The attributes of one element in document order. Their texts stand one
+// after the other in one buffer, which the reader refills for every element:
+// an element costs no allocation once the buffer has grown to the widest.
 class XmlAttributes
 {
 public:
-    qsizetype size() const { return m_count; }
-    bool isEmpty() const { return m_count == 0; }
-    const XmlAttribute& at(qsizetype i) const { return m_items[std::size_t(i)]; }
-    const XmlAttribute* begin() const { return m_items.data(); }
-    const XmlAttribute* end() const { return m_items.data() + m_count; }
+    XmlAttributes() = default;
+    XmlAttributes(const XmlAttributes& other);
+    XmlAttributes& operator=(const XmlAttributes& other);
+
+    qsizetype size() const { return qsizetype(items.size()); }
+    bool isEmpty() const { return items.empty(); }
+    const XmlAttribute& at(qsizetype i) const { return items[std::size_t(i)]; }
+    const XmlAttribute* begin() const { return items.data(); }
+    const XmlAttribute* end() const { return items.data() + items.size(); }
 
     // The value of the attribute of that name; an empty (not null) text when
     // the element has none.
-    QStringView value(QLatin1StringView qualifiedName) const;
+    QStringView value(QLatin1StringView qualifiedName) const
+    {
+        for (const XmlAttribute& attribute : items) {
+            const QStringView name = attribute.m_qualifiedName;
+            if (isName(name, qualifiedName))
+                return attribute.m_value;
+        }
+        return u"";
+    }
     QStringView value(QStringView qualifiedName) const;
 
-    void append(const QString& qualifiedName, const QString& value);
-    void clear() { m_count = 0; }
+    void append(QStringView qualifiedName, QStringView value);
+    void clear();
 
 private:
     friend class XmlReader;
-    // The next attribute's texts, to be overwritten in place.
-    XmlAttribute& appendSlot(QString*& name, QString*& value);
+    // Room for `count` more characters after the texts already held. Growing
+    // the buffer moves the views of the attributes already added with it.
+    char16_t* reserve(qsizetype count)
+    {
+        if (capacity - used < count)
+            grow(count);
+        return buffer.get() + used;
+    }
+    void grow(qsizetype count);
+    // Adds the attribute whose name and value stand at [name, value) and
+    // [value, end) in the reserved room.
+    void add(const char16_t* name, const char16_t* value, const char16_t* end)
+    {
+        XmlAttribute& attribute = items.emplace_back();
+        attribute.m_qualifiedName = QStringView(name, value);
+        attribute.m_value = QStringView(value, end);
+        used = end - buffer.get();
+    }
 
-    std::vector<XmlAttribute> m_items;
-    qsizetype m_count = 0;
+    std::unique_ptr<char16_t[]> buffer;
+    qsizetype capacity = 0;
+    qsizetype used = 0;
+    std::vector<XmlAttribute> items;
 };
 
 // The events of a streamed XML document. Each callback answers whether
