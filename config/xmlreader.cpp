@@ -203,8 +203,8 @@ qsizetype incompleteTail(QByteArrayView block)
 // as ISO-8859-1. Only an input that can be read twice gets this look.
 QByteArray encodingOfUnstated(QIODevice* input)
 {
-    if (input->isSequential() || encodingIsStated(input->peek(1024)))
-        return {};
+    if (input->isSequential())
+        return "UTF-8"_ba;
     const qint64 start = input->pos();
     QByteArray carry;
     bool valid = true;
@@ -219,7 +219,7 @@ QByteArray encodingOfUnstated(QIODevice* input)
         carry = block.right(tail);
     }
     input->seek(start);
-    return valid && carry.isEmpty() ? QByteArray() : "ISO-8859-1"_ba;
+    return valid && carry.isEmpty() ? "UTF-8"_ba : "ISO-8859-1"_ba;
 }
 
 } // namespace
@@ -387,7 +387,10 @@ bool XmlReader::parse(QIODevice* input)
     if (!input || !input->isReadable())
         return false;
 
-    d->usedEncoding = d->chosenEncoding.isEmpty() ? encodingOfUnstated(input) : d->chosenEncoding;
+    if (encodingIsStated(input->peek(1024)))
+        d->usedEncoding.clear();
+    else
+        d->usedEncoding = d->chosenEncoding.isEmpty() ? encodingOfUnstated(input) : d->chosenEncoding;
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate(d->usedEncoding.isEmpty() ? nullptr : d->usedEncoding.constData()),
         &XML_ParserFree);

@@ -141,7 +141,7 @@ public:
     XmlReader(const XmlReader&) = delete;
     XmlReader& operator=(const XmlReader&) = delete;
 
-    // The encoding of a document that declares none; empty (the default):
+    // The encoding of a document that states none; empty (the default):
     // decided from the bytes as described above.
     void setUndeclaredEncoding(const QByteArray& name);
     // Control characters (U+0000 to U+001F and U+007F) in attribute values
@@ -155,8 +155,8 @@ public:
 
     // After a parse: where the first fault was (byte offset in the input,
     // and its line), or -1 when there was none; a stop asked for by the
-    // handler is not a fault. And the encoding a document that declared
-    // none was read in.
+    // handler is not a fault. And the encoding a document that stated none
+    // was read in (empty when it stated one).
     qint64 faultOffset() const;
     qint64 faultLine() const;
     QByteArray undeclaredEncoding() const;
