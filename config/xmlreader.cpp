@@ -11,6 +11,7 @@
 #include <array>
 #include <cstring>
 #include <exception>
+#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -59,7 +60,12 @@ void XmlAttributes::clear()
 void XmlAttributes::grow(qsizetype count)
 {
     const qsizetype grown = qMax(2 * capacity, used + count + 256);
-    auto larger = std::make_unique<char16_t[]>(std::size_t(grown));
+    // Allocated like the toolkit's own texts, so that running out of memory
+    // shows the same way: as std::bad_alloc, which the caller may handle.
+    std::unique_ptr<char16_t[], Free> larger(
+        static_cast<char16_t*>(std::malloc(std::size_t(grown) * sizeof(char16_t))));
+    if (!larger)
+        throw std::bad_alloc();
     std::copy_n(buffer.get(), used, larger.get());
     for (XmlAttribute& attribute : items) {
         const char16_t* name = larger.get() + (attribute.m_qualifiedName.utf16() - buffer.get());

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -93,7 +94,11 @@ private:
         used = end - buffer.get();
     }
 
-    std::unique_ptr<char16_t[]> buffer;
+    struct Free
+    {
+        void operator()(char16_t* memory) const { std::free(memory); }
+    };
+    std::unique_ptr<char16_t[], Free> buffer;
     qsizetype capacity = 0;
     qsizetype used = 0;
     std::vector<XmlAttribute> items;
