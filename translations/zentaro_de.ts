@@ -192,4 +192,15 @@
         <translation>Anzahlung</translation>
     </message>
 </context>
+<context>
+    <name>HLibrary</name>
+    <message>
+        <source>PaperWindow</source>
+        <translation>Papierwechsel</translation>
+    </message>
+    <message>
+        <source>Insert a new sheet</source>
+        <translation>Neues Blatt einlegen</translation>
+    </message>
+</context>
 </TS>

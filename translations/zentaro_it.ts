@@ -192,4 +192,15 @@
         <translation>Acconto</translation>
     </message>
 </context>
+<context>
+    <name>HLibrary</name>
+    <message>
+        <source>PaperWindow</source>
+        <translation>Cambio carta</translation>
+    </message>
+    <message>
+        <source>Insert a new sheet</source>
+        <translation>Inserire un nuovo foglio</translation>
+    </message>
+</context>
 </TS>

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStringList>
 
 void PrintTo(const QString& text, std::ostream* os)
@@ -92,6 +93,14 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
             out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
     }
     return out.toStdString();
+}
+
+QByteArray withoutTimeStamps(const QByteArray& log)
+{
+    static const QRegularExpression stamp(
+        QStringLiteral(R"(^\[\d\d-\d\d-\d{4} \d\d:\d\d:\d\d:\d{3}\] )"),
+        QRegularExpression::MultilineOption);
+    return QString::fromLocal8Bit(log).remove(stamp).toLocal8Bit();
 }
 
 } // namespace testsupport

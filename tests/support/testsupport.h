@@ -47,4 +47,8 @@ private:
 // marked - (expected) and + (actual).
 std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
 
+// A log file's text with the time stamp "[MM-dd-yyyy hh:mm:ss:zzz] " taken
+// off every line that starts with one, so that the rest can be compared.
+QByteArray withoutTimeStamps(const QByteArray& log);
+
 } // namespace testsupport
