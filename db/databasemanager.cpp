@@ -12,6 +12,9 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <cstdlib>
+#include <mutex>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -33,10 +36,11 @@ QSqlDatabase connectionOrDefault(QSqlDatabase* db)
     return db ? *db : QSqlDatabase::database();
 }
 
-// A missing value and SQL NULL both read as empty text.
+// A missing value and SQL NULL both read as empty text (a NULL number
+// would otherwise read as "0").
 QString textOf(const QVariant& value)
 {
-    const QString text = value.toString();
+    const QString text = value.isNull() ? QString() : value.toString();
     return text.isNull() ? emptyText() : text;
 }
 
@@ -48,13 +52,24 @@ QString reasonOf(const QSqlError& error)
 }
 
 // Drops a connection from Qt's registry after our copy of it is gone, so
-// that Qt does not warn that it is still in use.
+// that Qt does not warn that it is still in use. An invalid object has
+// nothing registered: it was forgotten already, or never connected.
 void forget(QSqlDatabase& database, const QString& name)
 {
+    if (!database.isValid())
+        return;
     database.close();
     database = QSqlDatabase();
-    if (QSqlDatabase::contains(name))
-        QSqlDatabase::removeDatabase(name);
+    QSqlDatabase::removeDatabase(name);
+}
+
+// The managers alive, for the exit handler. Never destroyed, so that a
+// manager destroyed late in the exit (the singleton's) can still leave it.
+std::mutex liveManagersMutex;
+std::set<DatabaseManager*>& liveManagers()
+{
+    static auto* const managers = new std::set<DatabaseManager*>;
+    return *managers;
 }
 
 } // namespace
@@ -67,12 +82,39 @@ DatabaseManager::DatabaseManager()
 DatabaseManager::DatabaseManager(Logger* logger)
     : logger(logger)
 {
+    const std::lock_guard lock(liveManagersMutex);
+    liveManagers().insert(this);
 }
 
 DatabaseManager::~DatabaseManager()
 {
+    {
+        const std::lock_guard lock(liveManagersMutex);
+        liveManagers().erase(this);
+    }
+    releaseConnections();
+}
+
+void DatabaseManager::releaseConnections()
+{
     for (auto& [name, database] : connections)
         forget(*database, name);
+}
+
+// Qt tears its connection registry down at process exit, before the
+// singleton's destroyer deletes the manager. Exit handlers run in reverse
+// order of registration, so one registered after the registry came to be
+// runs first and can still release the connections properly.
+void DatabaseManager::releaseAllAtExit()
+{
+    static std::once_flag registered;
+    std::call_once(registered, [] {
+        std::atexit([] {
+            const std::lock_guard lock(liveManagersMutex);
+            for (DatabaseManager* manager : liveManagers())
+                manager->releaseConnections();
+        });
+    });
 }
 
 void DatabaseManager::log(Logger::Level level, const QString& text)
@@ -98,6 +140,7 @@ QSqlDatabase* DatabaseManager::createConnection(const QString& driver, const QSt
         if (QSqlDatabase::contains(name))
             QSqlDatabase::removeDatabase(name); // someone else's: ours replaces it
         *database = QSqlDatabase::addDatabase(driverName, name);
+        releaseAllAtExit();
     }
     if (!database->isValid()) {
         log(Logger::ERROR, u"Failed to connect to driver"_s);

@@ -93,6 +93,8 @@ private:
     void transactionStep(const QString& statement, TransactionCall call, QSqlDatabase* db);
     void insertDefaultRow(const QString& table, QSqlDatabase* db);
     void log(Logger::Level level, const QString& text);
+    void releaseConnections();
+    static void releaseAllAtExit();
 
     Logger* logger;
     // One object per connection name; a pointer handed out stays valid as

@@ -82,6 +82,8 @@ ScratchDatabase::ScratchDatabase(const QString& suffix)
         failure = "cannot reach the PostgreSQL server: " + admin.lastError().text().toStdString();
         return;
     }
+    // Quiet about the usual case of nothing to drop.
+    (void)run(adminConnection, u"SET client_min_messages = warning"_s);
     failure = run(adminConnection, "DROP DATABASE IF EXISTS "_L1 + databaseName + " WITH (FORCE)"_L1);
     if (failure.empty())
         failure = run(adminConnection, "CREATE DATABASE "_L1 + databaseName);

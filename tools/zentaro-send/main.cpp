@@ -221,7 +221,10 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(
         u"Sends PRINTFILE to DEVICE (a line printer such as /dev/usb/lp0, a serial port, a FIFO or a file) "
         "line by line."_s);
-    const QCommandLineOption help = parser.addHelpOption();
+    // Qt's own help option would also offer Qt's options, which a tool
+    // that may have no display does not take.
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"Displays this help."_s);
+    parser.addOption(help);
     const QCommandLineOption version = parser.addVersionOption();
     const Options options;
     parser.addOptions({options.linesPerSheet, options.pause, options.page, options.linesPerPage, options.copies,
@@ -234,7 +237,12 @@ int main(int argc, char** argv)
         return wrongUsage;
     }
     if (parser.isSet(help)) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+        // The command line is parsed before there is an application object
+        // (its kind depends on the options), so the help cannot know the
+        // program's name by itself.
+        QString text = parser.helpText();
+        text.replace("<executable_name>"_L1, QLatin1StringView(programName));
+        std::fputs(text.toLocal8Bit().constData(), stdout);
         return 0;
     }
     if (parser.isSet(version)) {

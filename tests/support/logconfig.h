@@ -8,7 +8,7 @@
 #include <memory>
 
 // A configuration holding only the four logger settings; a setting given as
-// a null text is left out.
+// a null text is left out. For programs that link the app folder.
 inline std::unique_ptr<ZTConfiguration> loggerConfiguration(const QString& level, const QString& type,
                                                             const QString& basedir, const QString& filename)
 {
