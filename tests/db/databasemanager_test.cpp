@@ -85,6 +85,14 @@ QString yesNo(bool answer)
     return answer ? u"yes"_s : u"no"_s;
 }
 
+// executeSelectQuery3 with its values joined.
+std::function<QString(DatabaseManager&, QSqlDatabase*)> firstColumns(const char* sql, int n)
+{
+    return [sql, n](DatabaseManager& m, QSqlDatabase* db) {
+        return m.executeSelectQuery3(QString::fromLatin1(sql), n, db).join(u'|');
+    };
+}
+
 const OperationCase operationCases[] = {
     {"getField",
      [](DatabaseManager& m, QSqlDatabase* db) { return m.getField(u"items"_s, u"name"_s, u"2"_s, db); }, "coffee",
@@ -120,19 +128,13 @@ const OperationCase operationCases[] = {
      },
      "tea|coffee|cake", reported("executeSelectQuery2(...)", "select name, id from items order by id", 3)},
     {"executeSelectQuery3_two_of_three",
-     [](DatabaseManager& m, QSqlDatabase* db) {
-         return m.executeSelectQuery3(u"select id, name, price from items order by id"_s, 2, db).join(u'|');
-     },
+     firstColumns("select id, name, price from items order by id", 2),
      "1|tea|2|coffee|3|cake", reported("executeSelectQuery3(...)", "select id, name, price from items order by id", 3)},
     {"executeSelectQuery3_more_than_there_are",
-     [](DatabaseManager& m, QSqlDatabase* db) {
-         return m.executeSelectQuery3(u"select id, name from items where id < 3 order by id"_s, 5, db).join(u'|');
-     },
+     firstColumns("select id, name from items where id < 3 order by id", 5),
      "1|tea|2|coffee", reported("executeSelectQuery3(...)", "select id, name from items where id < 3 order by id", 2)},
     {"executeSelectQuery3_none",
-     [](DatabaseManager& m, QSqlDatabase* db) {
-         return m.executeSelectQuery3(u"select id from items"_s, 0, db).join(u'|');
-     },
+     firstColumns("select id from items", 0),
      "", reported("executeSelectQuery3(...)", "select id from items", 3)},
     {"executeQuery",
      [](DatabaseManager& m, QSqlDatabase* db) {

@@ -95,6 +95,14 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
     return out.toStdString();
 }
 
+QByteArray numberedLines(int count)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += QByteArray::number(i % 10).repeated(10) + '\n';
+    return text;
+}
+
 QByteArray withoutTimeStamps(const QByteArray& log)
 {
     static const QRegularExpression stamp(

@@ -14,6 +14,7 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using testsupport::numberedLines;
 using testsupport::readBytes;
 using testsupport::writeBytes;
 
@@ -50,15 +51,6 @@ private:
     QTimer timer;
 };
 
-// A print file of `lines` lines of ten characters and a line end each.
-QByteArray printFile(int lines)
-{
-    QByteArray text;
-    for (int i = 0; i < lines; ++i)
-        text += QByteArray::number(i % 10).repeated(10) + '\n';
-    return text;
-}
-
 class CopyTest : public testing::Test
 {
 protected:
@@ -88,7 +80,7 @@ class CopyBySheet : public CopyTest, public testing::WithParamInterface<SheetCas
 
 TEST_P(CopyBySheet, AsksForPaperWhenASheetIsFull)
 {
-    const QByteArray content = printFile(GetParam().lines);
+    const QByteArray content = numberedLines(GetParam().lines);
     ASSERT_TRUE(writeBytes(source, content.toStdString()));
     PromptAnswerer answerer(destination);
 
@@ -112,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(HLibrary, CopyBySheet,
 
 TEST_F(CopyTest, PromptSpeaksTheCatalogueLabels)
 {
-    ASSERT_TRUE(writeBytes(source, printFile(3).toStdString()));
+    ASSERT_TRUE(writeBytes(source, numberedLines(3).toStdString()));
     PromptAnswerer answerer(destination);
     EXPECT_TRUE(HLibrary::copy(source, destination, 1u, 0u));
     EXPECT_EQ(answerer.caption, u"PaperWindow"_s);
@@ -141,7 +133,7 @@ TEST_F(CopyTest, BytesGoAcrossUnchanged)
 
 TEST_F(CopyTest, NumbersAsText)
 {
-    ASSERT_TRUE(writeBytes(source, printFile(7).toStdString()));
+    ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
     {
         PromptAnswerer answerer(destination);
         EXPECT_TRUE(HLibrary::copy(source, destination, u"3"_s, u"0"_s));
@@ -157,7 +149,7 @@ TEST_F(CopyTest, NumbersAsText)
 
 TEST_F(CopyTest, PausesAfterEveryLine)
 {
-    ASSERT_TRUE(writeBytes(source, printFile(4).toStdString()));
+    ASSERT_TRUE(writeBytes(source, numberedLines(4).toStdString()));
     QElapsedTimer timer;
     timer.start();
     EXPECT_TRUE(HLibrary::copy(source, destination, 0u, 50u));
@@ -178,7 +170,7 @@ TEST_F(CopyTest, FilesThatCannotBeOpened)
 
 TEST_F(CopyTest, DestinationThatStopsTakingDataFails)
 {
-    ASSERT_TRUE(writeBytes(source, printFile(3).toStdString()));
+    ASSERT_TRUE(writeBytes(source, numberedLines(3).toStdString()));
     if (!QFileInfo::exists(u"/dev/full"_s))
         GTEST_SKIP() << "no /dev/full";
     EXPECT_FALSE(HLibrary::copy(source, u"/dev/full"_s, 0u, 0u));
@@ -206,7 +198,7 @@ class CopyPage : public CopyTest, public testing::WithParamInterface<PageCase>
 
 TEST_P(CopyPage, SendsOnePage)
 {
-    const QByteArray content = printFile(7);
+    const QByteArray content = numberedLines(7);
     ASSERT_TRUE(writeBytes(source, content.toStdString()));
     ASSERT_TRUE(writeBytes(destination, "old"));
     PromptAnswerer answerer(destination);
@@ -234,7 +226,7 @@ TEST_F(CopyTest, PageOfAnEmptyFile)
 
 TEST_F(CopyTest, PagePausesBetweenItsLinesOnly)
 {
-    ASSERT_TRUE(writeBytes(source, printFile(7).toStdString()));
+    ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
     QElapsedTimer timer;
     timer.start();
     // Three lines, two pauses: none after the last line of the page.

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using testsupport::numberedLines;
 using testsupport::readBytes;
 using testsupport::writeBytes;
 
@@ -22,15 +23,6 @@ struct Result
     QByteArray out, err;
 };
 
-// A print file of `lines` lines of ten characters and a line end each.
-QByteArray printFile(int lines)
-{
-    QByteArray text;
-    for (int i = 0; i < lines; ++i)
-        text += QByteArray::number(i % 10).repeated(10) + '\n';
-    return text;
-}
-
 // zentaro-send in a home of its own, without a display: the paper prompt
 // is a line on standard output answered on standard input.
 class SendTest : public testing::Test
@@ -40,7 +32,7 @@ protected:
     {
         ASSERT_TRUE(home.isValid());
         ASSERT_TRUE(writeConfiguration(""));
-        ASSERT_TRUE(writeBytes(source, printFile(7).toStdString()));
+        ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
     }
 
     bool writeConfiguration(const QByteArray& settings) const
@@ -151,7 +143,7 @@ TEST_F(SendTest, CopiesTheFile)
 {
     const Result result = send({source, device});
     EXPECT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_EQ(readBytes(device), printFile(7));
+    EXPECT_EQ(readBytes(device), numberedLines(7));
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "");
 }
@@ -160,7 +152,7 @@ TEST_F(SendTest, SendsOnePage)
 {
     const Result result = send({u"--page"_s, u"1"_s, u"--lines-per-page"_s, u"3"_s, u"--pause"_s, u"1"_s, source, device});
     EXPECT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_EQ(readBytes(device), printFile(7).mid(33, 33));
+    EXPECT_EQ(readBytes(device), numberedLines(7).mid(33, 33));
 }
 
 TEST_F(SendTest, FailuresAreOneLineAndStatusOne)
@@ -200,14 +192,14 @@ TEST_F(SendTest, PaperPromptWaitsForALine)
     ASSERT_TRUE(waitForOutput(process, &out, "Insert a new sheet\n")) << out.toStdString();
     // The first sheet, one line longer than the others, and nothing more
     // until the line comes.
-    EXPECT_EQ(readBytes(device), printFile(4));
+    EXPECT_EQ(readBytes(device), numberedLines(4));
     QThread::msleep(200);
-    EXPECT_EQ(readBytes(device), printFile(4));
+    EXPECT_EQ(readBytes(device), numberedLines(4));
     EXPECT_EQ(process.state(), QProcess::Running);
 
     process.write("\n");
     ASSERT_TRUE(waitForOutput(process, &out, "Insert a new sheet\nInsert a new sheet\n")) << out.toStdString();
-    EXPECT_EQ(readBytes(device), printFile(7));
+    EXPECT_EQ(readBytes(device), numberedLines(7));
     process.write("ok\n");
     process.closeWriteChannel();
     ASSERT_TRUE(process.waitForFinished(30000));
@@ -220,7 +212,7 @@ TEST_F(SendTest, EndOfInputGoesOn)
     const Result result = send({u"--lines-per-sheet"_s, u"2"_s, source, device});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "Insert a new sheet\nInsert a new sheet\nInsert a new sheet\n");
-    EXPECT_EQ(readBytes(device), printFile(7));
+    EXPECT_EQ(readBytes(device), numberedLines(7));
 }
 
 TEST_F(SendTest, PromptInTheConfiguredLanguage)
@@ -268,7 +260,7 @@ TEST_F(SendToFifo, CountFromTheCommandLine)
 {
     const Result result = send({u"--copies"_s, u"2"_s, source, device});
     EXPECT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_EQ(received(), printFile(7).repeated(2));
+    EXPECT_EQ(received(), numberedLines(7).repeated(2));
 }
 
 TEST_F(SendToFifo, CountFromTheConfiguration)
@@ -276,12 +268,12 @@ TEST_F(SendToFifo, CountFromTheConfiguration)
     ASSERT_TRUE(writeConfiguration("receiptdoc : { copyNumber = 3; };\ninvoicedoc : { copyNumber = 0; };\n"));
     Result result = send({u"--copies-of"_s, u"Receipt"_s, source, device});
     EXPECT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_EQ(received(), printFile(7).repeated(3));
+    EXPECT_EQ(received(), numberedLines(7).repeated(3));
 
     // A type whose count is not set sends one copy.
     result = send({u"--copies-of"_s, u"delivery"_s, source, device});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(received(), printFile(7));
+    EXPECT_EQ(received(), numberedLines(7));
 
     // Zero copies: the configuration does not print this type.
     result = send({u"--copies-of"_s, u"invoice"_s, source, device});
