@@ -23,9 +23,9 @@ ratio() {
 "$build/bench/bench_generate" 20000 "$work/r20k.xml"
 export HOME="$repo/examples/home"
 
-start=$(count "$build/app/zentaro-print" "$work/r20.xml" "$work/out.txt")
+start=$(count "$build/tools/zentaro-print/zentaro-print" "$work/r20.xml" "$work/out.txt")
 qt=$(count "$build/bench/bench_qt_floor")
-render=$(count "$build/app/zentaro-print" "$work/r20k.xml" "$work/out.txt")
+render=$(count "$build/tools/zentaro-print/zentaro-print" "$work/r20k.xml" "$work/out.txt")
 parse=$(count "$build/bench/bench_parse_floor" "$work/r20k.xml")
 
 echo "startup   receipt 20 items      $start instructions   Qt floor $qt   ratio $(ratio "$start" "$qt") (target <= 1.2)"

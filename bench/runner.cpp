@@ -231,7 +231,7 @@ int main(int argc, char** argv)
     const Options options = parse(argc, argv);
     const std::string bin = options.get("bin");
     const std::string out = options.get("out");
-    const std::string render = bin + "/app/zentaro-print";
+    const std::string render = bin + "/tools/zentaro-print/zentaro-print";
     const std::string tools = bin + "/bench/";
     const std::string small = options.get("small");
     const std::string medium = options.get("medium");

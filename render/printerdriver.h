@@ -1,12 +1,11 @@
 #pragma once
 
-#include "saxreader.h"
+#include "xmlreader.h"
 #include "textoutput.h"
 
 #include <QCoreApplication>
 #include <QIODevice>
 #include <QString>
-#include <QXmlStreamAttributes>
 
 #include <memory>
 

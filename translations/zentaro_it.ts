@@ -57,7 +57,7 @@
     </message>
     <message>
         <source>Num</source>
-        <translation>Q.ta</translation>
+        <translation>Qtà</translation>
     </message>
     <message>
         <source>Description</source>

@@ -1,9 +1,6 @@
 #include "syncsingleton.h"
+#include "testsupport.h"
 #include "ztconfiguration.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -15,35 +12,12 @@
 
 namespace {
 
-// Points HOME at a fresh directory for the duration of a test.
-class TemporaryHome
-{
-public:
-    TemporaryHome()
-        : saved(qgetenv("HOME"))
-    {
-        qputenv("HOME", dir.path().toLocal8Bit());
-    }
-    ~TemporaryHome() { qputenv("HOME", saved); }
+using testsupport::TemporaryHome;
 
-    bool writeConfiguration(const QByteArray& text) const
-    {
-        if (!QDir(dir.path()).mkpath(QStringLiteral(".zentaro/conf")))
-            return false;
-        QFile file(configurationPath());
-        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
-    }
-    QString configurationPath() const { return dir.path() + QStringLiteral("/.zentaro/conf/zentaro.conf"); }
-
-private:
-    QTemporaryDir dir;
-    QByteArray saved;
-};
-
-const QByteArray applicationFile = "zentaro : {\n"
-                                   "    logger : { level = \"WARNING\"; };\n"
-                                   "    language : { basedir = \" /usr/share/pos/lang \"; file = caf\xE9; };\n"
-                                   "};\n";
+const char applicationFile[] = "zentaro : {\n"
+                               "    logger : { level = \"WARNING\"; };\n"
+                               "    language : { basedir = \" /usr/share/pos/lang \"; file = caf\xE9; };\n"
+                               "};\n";
 
 TEST(ZTConfiguration, ReadsTheFileInTheHomeDirectory)
 {
@@ -52,6 +26,9 @@ TEST(ZTConfiguration, ReadsTheFileInTheHomeDirectory)
 
     ZTConfiguration configuration;
     EXPECT_EQ(configuration.getStrValue(QStringLiteral("zentaro.logger.level")), QStringLiteral("WARNING"));
+    // The same file named explicitly, as the tools open one.
+    EXPECT_EQ(ZTConfiguration(home.configurationPath()).getStrValue(QStringLiteral("zentaro.logger.level")),
+              QStringLiteral("WARNING"));
     EXPECT_EQ(configuration.getStrValue(QStringLiteral("zentaro.language.basedir")),
               QStringLiteral(" /usr/share/pos/lang "));
     EXPECT_EQ(configuration.getStrValue(QStringLiteral("zentaro.language.file")), QStringLiteral("caf\u00e9"));

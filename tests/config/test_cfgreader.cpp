@@ -1,15 +1,19 @@
 #include "config.h"
 #include "configtestutil.h"
+#include "testsupport.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 #include <string>
 #include <vector>
 
 using libconfig::Config;
 using libconfig::ConfigNode;
+using testsupport::writeBytes;
 
 namespace {
 
@@ -97,12 +101,8 @@ class CfgLookup : public testing::TestWithParam<CfgCase> {};
 TEST_P(CfgLookup, GivesExpectedValue)
 {
     const CfgCase& row = GetParam();
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("test.conf"));
-    ASSERT_TRUE(writeBytes(path, row.text));
-
-    Config config(path, QStringLiteral("cfg"));
+    Config config;
+    config.readData(QByteArray::fromStdString(row.text), QStringLiteral("cfg"));
     const QString value = config.lookup(latin1(row.key));
     EXPECT_EQ(value, latin1(row.expected));
     EXPECT_FALSE(value.isNull());
@@ -113,41 +113,41 @@ INSTANTIATE_TEST_SUITE_P(Cases, CfgLookup, testing::ValuesIn(cfgCases()),
 
 TEST(CfgReader, TreeShape)
 {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("shape.conf"));
-    ASSERT_TRUE(writeBytes(path, "top = 1;\n"
-                                 "zentaro : {\n"
-                                 "    empty : { };\n"
-                                 "    b = 2;\n"
-                                 "    a = 1;\n"
-                                 "    b = 3;\n"
-                                 "    g : { x = 1; };\n"
-                                 "    g : { y = 2; };\n"
-                                 "    outer : { inner : { }; };\n"
-                                 "};\n"
-                                 "second : { s = 1; };\n"));
-
-    Config config(path, QStringLiteral("cfg"));
+    const QString path = QStringLiteral("/home/anna/shape.conf");
+    Config config;
+    config.readData("top = 1;\n"
+                    "zentaro : {\n"
+                    "    empty : { };\n"
+                    "    b = 2;\n"
+                    "    a = 1;\n"
+                    "    b = 3;\n"
+                    "    g : { x = 1; };\n"
+                    "    g : { y = 2; };\n"
+                    "    outer : { inner : { }; };\n"
+                    "};\n"
+                    "second : { s = 1; };\n",
+                    QStringLiteral("cfg"), path);
     EXPECT_EQ(dumpTree(config.document()),
               QStringLiteral("{%1[top=1]{zentaro[b=3,a=1]{g[x=1], g[y=2], outer}, second[s=1]}}").arg(path));
     EXPECT_EQ(config.document()->firstChild()->parent(), config.document());
 }
 
-TEST(CfgReader, MissingFileReportsAndLoadsNothing)
+// Only a regular file is read: a FIFO would block at open, and a folder
+// holds no settings. Each reads like a missing file.
+TEST(CfgReader, WhatIsNotARegularFileReportsAndLoadsNothing)
 {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("absent.conf"));
-
-    testing::internal::CaptureStdout();
-    Config config(path, QStringLiteral("cfg"));
-    const std::string out = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(out, "Error in the method FileReader::open( " + path.toStdString() + " ): File Not Found\n");
-    ASSERT_NE(config.document(), nullptr);
-    EXPECT_TRUE(config.document()->children().empty());
-    EXPECT_EQ(config.lookup(QStringLiteral("zentaro.logger.level")), QStringLiteral(""));
+    const QString fifo = dir.filePath(QStringLiteral("fifo.conf"));
+    ASSERT_EQ(mkfifo(fifo.toLocal8Bit().constData(), 0600), 0);
+    for (const QString& path : {dir.filePath(QStringLiteral("absent.conf")), dir.path(), fifo}) {
+        testing::internal::CaptureStdout();
+        Config config(path, QStringLiteral("cfg"));
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  "Error in the method FileReader::open( " + path.toStdString() + " ): File Not Found\n");
+        ASSERT_NE(config.document(), nullptr);
+        EXPECT_TRUE(config.document()->children().empty());
+    }
 }
 
 TEST(CfgReader, DefaultConstructedHasNoDocument)
@@ -200,12 +200,8 @@ TEST(CfgReader, DeepNestingDoesNotExhaustTheStack)
     text += "k = deep;";
     fields << QStringLiteral("k");
 
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("deep.conf"));
-    ASSERT_TRUE(writeBytes(path, text));
-
-    Config config(path, QStringLiteral("cfg"));
+    Config config;
+    config.readData(QByteArray::fromStdString(text), QStringLiteral("cfg"));
     EXPECT_EQ(config.lookup(fields.join(QLatin1Char('.'))), QStringLiteral("deep"));
     EXPECT_EQ(config.lookup(QStringLiteral("a.a.a.missing")), QStringLiteral(""));
 }

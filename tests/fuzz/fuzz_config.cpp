@@ -1,36 +1,12 @@
 // Feeds arbitrary bytes to both configuration readers and to the lookup.
 #include "config.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <unistd.h>
 
 namespace {
-
-// The readers take a file name, so every input goes through one scratch
-// file, made once and removed at exit.
-const std::string& scratchPath()
-{
-    static const std::string path = [] {
-        char name[] = "/tmp/fuzz_config_XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd < 0)
-            std::abort();
-        close(fd);
-        return std::string(name);
-    }();
-    static const bool removedAtExit = [] {
-        std::atexit([] { std::remove(scratchPath().c_str()); });
-        return true;
-    }();
-    (void)removedAtExit;
-    return path;
-}
 
 void exerciseLookups(const libconfig::Config& config, const uint8_t* data, size_t size)
 {
@@ -47,17 +23,11 @@ void exerciseLookups(const libconfig::Config& config, const uint8_t* data, size_
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const std::string& path = scratchPath();
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data), std::streamsize(size));
+    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data), qsizetype(size));
+    for (const char* format : {"cfg", "xml"}) {
+        libconfig::Config config;
+        config.readData(bytes, QString::fromLatin1(format), QStringLiteral("fuzz.conf"));
+        exerciseLookups(config, data, size);
     }
-    const QString name = QString::fromLocal8Bit(path.c_str());
-
-    const libconfig::Config cfg(name, QStringLiteral("cfg"));
-    exerciseLookups(cfg, data, size);
-
-    const libconfig::Config xml(name, QStringLiteral("xml"));
-    exerciseLookups(xml, data, size);
     return 0;
 }

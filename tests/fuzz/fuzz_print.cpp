@@ -1,13 +1,11 @@
 // Feeds arbitrary bytes as a print request through the driver and the
 // command-text device, with a fixed configuration.
 #include "companyprinterdriver.h"
-#include "saxreader.h"
+#include "xmlreader.h"
+#include "ztconfiguration.h"
 
 #include <QBuffer>
 #include <QByteArray>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <cstddef>
 #include <cstdint>
@@ -34,27 +32,16 @@ const char configuration[] = R"(zentaro : {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    // The configuration singleton is created once, on the first driver.
-    static QTemporaryDir home;
-    QDir(home.path()).mkpath(QStringLiteral(".zentaro/conf"));
-    QFile file(home.path() + QStringLiteral("/.zentaro/conf/zentaro.conf"));
-    if (file.open(QIODevice::WriteOnly))
-        file.write(configuration);
-    file.close();
-    qputenv("HOME", home.path().toLocal8Bit());
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
+    static const auto settings = ZTConfiguration::fromText(configuration);
+
     QByteArray request(reinterpret_cast<const char*>(data), qsizetype(size));
     QBuffer input(&request);
     input.open(QIODevice::ReadOnly);
 
     QByteArray output;
-    CompanyPrinterDriver driver(std::make_unique<QBuffer>(&output));
+    CompanyPrinterDriver driver(std::make_unique<QBuffer>(&output), settings.get());
     parseXml(&input, driver);
     driver.flush();
     return 0;

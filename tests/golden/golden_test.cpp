@@ -1,3 +1,18 @@
+// Whole print runs through the real executable. Every folder under cases/
+// holds a request and the exact bytes expected on paper and on standard
+// output:
+//   request.xml          the request (absent: the input file is missing)
+//   settings.conf        settings that differ from cases/default.conf (optional;
+//                        @TRANSLATIONS@ is the build's catalogues, @CASE@ the case folder)
+//   args                 words replacing "@REQUEST@ @OUTPUT@" (optional)
+//   env                  NAME=value lines added to the environment (optional)
+//   expected.txt         the print file (absent: no print file may appear)
+//   expected_stdout.txt  standard output (absent: it must stay empty)
+//
+// GOLDEN_UPDATE=1 in the environment rewrites the expected files from what
+// the program does now, for review with git diff.
+#include "testsupport.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -9,11 +24,10 @@
 #include <string>
 #include <vector>
 
-// A case folder holds request.xml (absent: the input file is missing),
-// expected.txt (absent: no output file may appear), optionally zentaro.conf
-// (else cases/default.conf), args (words replacing "@REQUEST@ @OUTPUT@"),
-// env (NAME=value lines added to the environment) and expected_stdout.txt
-// (absent: standard output must stay empty).
+using namespace Qt::StringLiterals;
+using testsupport::lineDiff;
+using testsupport::readBytes;
+
 namespace {
 
 const QString casesDir = QStringLiteral(GOLDEN_CASES);
@@ -26,49 +40,46 @@ std::vector<std::string> caseNames()
     return names;
 }
 
-QByteArray readAll(const QString& path)
+bool updating()
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return qEnvironmentVariableIntValue("GOLDEN_UPDATE") == 1;
 }
 
-// The lines of a text as cat -A shows them: "$" for each line end, "^M"
-// for a carriage return and so on.
-QStringList visibleLines(const QByteArray& text)
+// The case's settings go first inside the top-level group of the shared
+// configuration: a lookup finds them before the defaults, whose groups of
+// the same names it reaches only for keys the case does not set.
+QByteArray configurationFor(const QDir& dir)
 {
-    QStringList lines;
-    const QList<QByteArray> pieces = text.split('\n');
-    for (qsizetype i = 0; i < pieces.size(); ++i) {
-        QString line;
-        for (const char c : pieces[i]) {
-            const auto u = static_cast<unsigned char>(c);
-            line += u < 32 || u == 127 ? QStringLiteral("^") + QChar(u ^ 64) : QString(QChar(u));
-        }
-        if (i + 1 < pieces.size())
-            lines.append(line + QLatin1Char('$'));
-        else if (!line.isEmpty())
-            lines.append(line);
-    }
-    return lines;
+    QByteArray conf = readBytes(casesDir + "/default.conf"_L1);
+    const QByteArray settings = readBytes(dir.filePath(u"settings.conf"_s));
+    conf.insert(conf.indexOf('{') + 1, "\n" + settings);
+    return conf.replace("@TRANSLATIONS@", ZENTARO_TRANSLATIONS).replace("@CASE@", dir.path().toLocal8Bit());
 }
 
-// A line-by-line comparison: equal lines plain, differing ones as -/+.
-std::string diff(const QByteArray& expected, const QByteArray& actual)
+QStringList argumentsFor(const QDir& dir, const QString& request, const QString& output)
 {
-    const QStringList want = visibleLines(expected), got = visibleLines(actual);
-    QString out = QStringLiteral("--- expected\n+++ actual\n");
-    for (qsizetype i = 0; i < qMax(want.size(), got.size()); ++i) {
-        const QString n = QString::number(i + 1) + QLatin1Char('\t');
-        if (i < want.size() && i < got.size() && want[i] == got[i]) {
-            out += QStringLiteral("  ") + n + want[i] + QLatin1Char('\n');
-            continue;
-        }
-        if (i < want.size())
-            out += QStringLiteral("- ") + n + want[i] + QLatin1Char('\n');
-        if (i < got.size())
-            out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
+    QStringList args{u"@REQUEST@"_s, u"@OUTPUT@"_s};
+    if (dir.exists(u"args"_s))
+        args = QString::fromUtf8(readBytes(dir.filePath(u"args"_s)))
+                   .split(QRegularExpression(u"\\s+"_s), Qt::SkipEmptyParts);
+    for (QString& arg : args)
+        arg.replace("@REQUEST@"_L1, request).replace("@OUTPUT@"_L1, output);
+    return args;
+}
+
+// Compares with the expected file, or writes it when updating; an empty
+// actual text means "no such file" for optional expectations.
+void expectFile(const QString& path, const QByteArray& actual, bool optional, const char* what)
+{
+    if (updating()) {
+        if (optional && actual.isEmpty())
+            QFile::remove(path);
+        else
+            ASSERT_TRUE(testsupport::writeBytes(path, actual.toStdString()));
+        return;
     }
-    return out.toStdString();
+    const QByteArray expected = readBytes(path);
+    EXPECT_TRUE(actual == expected) << what << "\n" << lineDiff(expected, actual);
 }
 
 class Golden : public testing::TestWithParam<std::string>
@@ -77,57 +88,47 @@ class Golden : public testing::TestWithParam<std::string>
 
 TEST_P(Golden, PrintRun)
 {
-    const QDir dir(casesDir + QLatin1Char('/') + QString::fromStdString(GetParam()));
+    const QDir dir(casesDir + u'/' + QString::fromStdString(GetParam()));
     QTemporaryDir work;
     ASSERT_TRUE(work.isValid());
-    const QString home = work.filePath(QStringLiteral("home"));
-    ASSERT_TRUE(QDir().mkpath(home + QStringLiteral("/.zentaro/conf")));
+    const QString home = work.filePath(u"home"_s);
+    ASSERT_TRUE(testsupport::writeBytes(home + "/.zentaro/conf/zentaro.conf"_L1,
+                                        configurationFor(dir).toStdString()));
 
-    QString confPath = dir.filePath(QStringLiteral("zentaro.conf"));
-    if (!QFile::exists(confPath))
-        confPath = casesDir + QStringLiteral("/default.conf");
-    QByteArray conf = readAll(confPath);
-    conf.replace("@TRANSLATIONS@", ZENTARO_TRANSLATIONS);
-    QFile confFile(home + QStringLiteral("/.zentaro/conf/zentaro.conf"));
-    ASSERT_TRUE(confFile.open(QIODevice::WriteOnly) && confFile.write(conf) == conf.size());
-    confFile.close();
-
-    const QString request = dir.filePath(QStringLiteral("request.xml"));
-    const QString output = work.filePath(QStringLiteral("out.txt"));
-    QStringList args{QStringLiteral("@REQUEST@"), QStringLiteral("@OUTPUT@")};
-    if (dir.exists(QStringLiteral("args")))
-        args = QString::fromUtf8(readAll(dir.filePath(QStringLiteral("args"))))
-                   .split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-    for (QString& arg : args)
-        arg.replace(QStringLiteral("@REQUEST@"), request).replace(QStringLiteral("@OUTPUT@"), output);
-
+    const QString request = dir.filePath(u"request.xml"_s);
+    const QString output = work.filePath(u"out.txt"_s);
     QProcess run;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), home);
-    const QString extraEnv = QString::fromUtf8(readAll(dir.filePath(QStringLiteral("env"))));
-    for (const QString& line : extraEnv.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        env.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
+    env.insert(u"HOME"_s, home);
+    const QString extraEnv = QString::fromUtf8(readBytes(dir.filePath(u"env"_s)));
+    for (const QString& line : extraEnv.split(u'\n', Qt::SkipEmptyParts))
+        env.insert(line.section(u'=', 0, 0), line.section(u'=', 1));
     run.setProcessEnvironment(env);
     run.setWorkingDirectory(work.path());
-    run.start(QStringLiteral(ZENTARO_PRINT), args);
+    run.start(QStringLiteral(ZENTARO_PRINT), argumentsFor(dir, request, output));
     ASSERT_TRUE(run.waitForFinished(30000)) << "did not finish";
     const QByteArray errors = run.readAllStandardError();
     EXPECT_EQ(run.exitStatus(), QProcess::NormalExit) << errors.toStdString();
     EXPECT_EQ(run.exitCode(), 0) << errors.toStdString();
 
-    QByteArray wantStdout = readAll(dir.filePath(QStringLiteral("expected_stdout.txt")));
-    wantStdout.replace("@PROGRAM@", ZENTARO_PRINT);
-    const QByteArray gotStdout = run.readAllStandardOutput();
-    EXPECT_TRUE(gotStdout == wantStdout) << "standard output\n" << diff(wantStdout, gotStdout);
+    QByteArray gotStdout = run.readAllStandardOutput();
+    // The program's and the case's paths differ from one checkout to the next.
+    gotStdout.replace(ZENTARO_PRINT, "@PROGRAM@").replace(dir.path().toLocal8Bit(), "@CASE@");
+    expectFile(dir.filePath(u"expected_stdout.txt"_s), gotStdout, true, "standard output");
 
-    const QString expectedPath = dir.filePath(QStringLiteral("expected.txt"));
-    if (!QFile::exists(expectedPath)) {
-        EXPECT_FALSE(QFile::exists(output)) << "an output file was written";
+    const QString expectedPath = dir.filePath(u"expected.txt"_s);
+    const bool printed = QFile::exists(output);
+    if (updating()) {
+        if (printed)
+            expectFile(expectedPath, readBytes(output), false, "print file");
+        else
+            QFile::remove(expectedPath);
         return;
     }
-    ASSERT_TRUE(QFile::exists(output)) << "no output file";
-    const QByteArray want = readAll(expectedPath), got = readAll(output);
-    EXPECT_TRUE(got == want) << "output file\n" << diff(want, got);
+    ASSERT_EQ(printed, QFile::exists(expectedPath)) << (printed ? "an unexpected print file was written"
+                                                                : "no print file");
+    if (printed)
+        expectFile(expectedPath, readBytes(output), false, "print file");
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, Golden, testing::ValuesIn(caseNames()),

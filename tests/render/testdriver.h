@@ -1,17 +1,21 @@
 #pragma once
 
 #include "companyprinterdriver.h"
+#include "ztconfiguration.h"
 
 #include <QBuffer>
 
 #include <initializer_list>
 #include <utility>
 
+// The settings the renderer tests run with.
+const ZTConfiguration& testConfiguration();
+
 // The device writing into memory, with the settings open to the tests.
 class TestDriver : public CompanyPrinterDriver
 {
 public:
-    TestDriver() : CompanyPrinterDriver(std::make_unique<QBuffer>()) {}
+    TestDriver() : CompanyPrinterDriver(std::make_unique<QBuffer>(), &testConfiguration()) {}
 
     using PrinterDriver::docPath;
     using PrinterDriver::justify;

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <QByteArray>
+#include <QLatin1StringView>
+#include <QString>
+#include <QStringView>
+
+#include <memory>
+#include <vector>
+
+class QIODevice;
+
+// One attribute of an element: its name as written (no namespace
+// processing) and its value.
+class XmlAttribute
+{
+public:
+    QStringView qualifiedName() const { return m_qualifiedName; }
+    QStringView value() const { return m_value; }
+
+private:
+    friend class XmlAttributes;
+    QString m_qualifiedName;
+    QString m_value;
+};
+
+// The attributes of one element in document order. The reader refills one
+// list for every element, reusing the texts' storage, so that an element
+// costs no allocation once the list has grown to the widest element.
+class XmlAttributes
+{
+public:
+    qsizetype size() const { return m_count; }
+    bool isEmpty() const { return m_count == 0; }
+    const XmlAttribute& at(qsizetype i) const { return m_items[std::size_t(i)]; }
+    const XmlAttribute* begin() const { return m_items.data(); }
+    const XmlAttribute* end() const { return m_items.data() + m_count; }
+
+    // The value of the attribute of that name; an empty (not null) text when
+    // the element has none.
+    QStringView value(QLatin1StringView qualifiedName) const;
+    QStringView value(QStringView qualifiedName) const;
+
+    void append(const QString& qualifiedName, const QString& value);
+    void clear() { m_count = 0; }
+
+private:
+    friend class XmlReader;
+    // The next attribute's texts, to be overwritten in place.
+    XmlAttribute& appendSlot(QString*& name, QString*& value);
+
+    std::vector<XmlAttribute> m_items;
+    qsizetype m_count = 0;
+};
+
+// The events of a streamed XML document. Each callback answers whether
+// reading should go on; false stops the parse at once.
+class XmlContentHandler
+{
+public:
+    virtual ~XmlContentHandler() = default;
+
+    virtual bool startDocument() { return true; }
+    virtual bool startElement(const QString& namespaceURI, const QString& localName,
+                              const QString& qName, const XmlAttributes& atts);
+    virtual bool endElement(const QString& namespaceURI, const QString& localName,
+                            const QString& qName);
+    virtual bool endDocument() { return true; }
+};
+
+// Streams one XML document into a content handler, in one pass that keeps
+// nothing of the document. Guarantees:
+// - startDocument comes first, even for input that cannot be read;
+// - every element whose start tag is complete before the first fault (a bad
+//   byte, an illegal name, a mismatched or missing tag, the end of the input)
+//   reaches the handler, and nothing after it;
+// - endDocument follows only a complete, well-formed document;
+// - names are passed on as written; external entities are never read, and
+//   internal ones may expand a document at most a bounded number of times;
+// - one piece of markup (a start tag, a comment) may take at most
+//   largestMarkup bytes: a larger one is a fault, reported on standard
+//   output with its line, so memory stays a small multiple of that.
+// Encodings: what the document declares (UTF-8, UTF-16, ISO-8859-1 and
+// US-ASCII natively, the single-byte encodings Qt knows by name otherwise).
+// A document that declares nothing is UTF-8 unless it is not valid UTF-8,
+// which is then read as ISO-8859-1; that is decided before the first element
+// from a second look at the input, so only a seekable input gets it.
+class XmlReader
+{
+public:
+    static constexpr qint64 largestMarkup = 4 << 20;
+
+    explicit XmlReader(XmlContentHandler& handler);
+    ~XmlReader();
+    XmlReader(const XmlReader&) = delete;
+    XmlReader& operator=(const XmlReader&) = delete;
+
+    // The encoding of a document that declares none; empty (the default):
+    // decided from the bytes as described above.
+    void setUndeclaredEncoding(const QByteArray& name);
+    // Control characters (U+0000 to U+001F and U+007F) in attribute values
+    // become blanks, for readers whose output is line-oriented.
+    void setBlankControlCharacters(bool blank);
+
+    // True when the document was read to its end and endDocument ran.
+    // An exception thrown by the handler (std::bad_alloc) stops the parse
+    // and leaves parse() with it.
+    bool parse(QIODevice* input);
+
+    // After a parse: where the first fault was (byte offset in the input,
+    // and its line), or -1 when there was none; a stop asked for by the
+    // handler is not a fault. And the encoding a document that declared
+    // none was read in.
+    qint64 faultOffset() const;
+    qint64 faultLine() const;
+    QByteArray undeclaredEncoding() const;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+// The reader's common use: parse with the default settings.
+bool parseXml(QIODevice* input, XmlContentHandler& handler);
