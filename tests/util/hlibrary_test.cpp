@@ -4,7 +4,6 @@
 
 #include <QComboBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -189,14 +188,6 @@ TEST(GetNewRand, SameSecondSameNumber)
         return;
     }
     FAIL() << "the clock never stood still for two calls";
-}
-
-TEST(Hsleep, BlocksForWholeSeconds)
-{
-    QElapsedTimer timer;
-    timer.start();
-    HLibrary::hsleep(1);
-    EXPECT_GE(timer.elapsed(), 1000);
 }
 
 } // namespace
