@@ -98,6 +98,12 @@ echo "==> replay fuzz regressions"
 ctest --test-dir "$build_root/build-fuzz" -R '^fuzz_.*_regressions$' --output-on-failure \
   || failures+=("fuzz regressions")
 
+# The database tests bring their own server: in each build tree the CTest
+# fixture "postgres" (tests/support/pgserver.sh) starts a throwaway
+# PostgreSQL on a private socket folder under /tmp, as the "postgres" user
+# when run as root, and stops and removes it after the last test that needs
+# it, also when tests fail. A server that cannot start fails those tests.
+
 echo "==> unit tests, normal build"
 ctest --test-dir "$build_root/build" --output-on-failure -j "$ctest_jobs" --timeout 600 \
   || failures+=("ctest build")
