@@ -2,11 +2,12 @@
 
 #include "diagnostics.h"
 #include "emptytext.h"
+#include "xmlreader.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QVarLengthArray>
-#include <QXmlStreamReader>
 
 #include <optional>
 #include <vector>
@@ -151,36 +152,50 @@ void Config::loadXmlFile()
         readXml(*bytes);
 }
 
-// The "xml" reader: elements become groups, attributes become settings;
-// text, comments and processing instructions are not kept. The file element
-// enters the tree only when the whole file parsed.
+namespace {
+
+// The "xml" reader's handler: elements become groups, attributes become
+// settings; text, comments and processing instructions are not kept.
+class ConfigTreeHandler : public XmlContentHandler
+{
+public:
+    explicit ConfigTreeHandler(ConfigNode& fileElement)
+        : open{&fileElement}
+    {
+    }
+
+    bool startElement(const QString&, const QString&, const QString& qName,
+                      const XmlAttributes& atts) override
+    {
+        auto element = std::make_unique<ConfigNode>(qName);
+        for (const XmlAttribute& attribute : atts)
+            element->setAttribute(attribute.qualifiedName().toString(), attribute.value().toString());
+        open.push_back(open.back()->appendChild(std::move(element)));
+        return true;
+    }
+
+    bool endElement(const QString&, const QString&, const QString&) override
+    {
+        open.pop_back();
+        return true;
+    }
+
+private:
+    std::vector<ConfigNode*> open;
+};
+
+} // namespace
+
+// The file element enters the tree only when the whole file parsed.
 void Config::readXml(const QByteArray& bytes)
 {
-    QXmlStreamReader xml(bytes);
-    xml.setNamespaceProcessing(false);
-
     auto fileElement = std::make_unique<ConfigNode>(fileName);
-    std::vector<ConfigNode*> open{fileElement.get()};
-    while (!xml.atEnd()) {
-        switch (xml.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            auto element = std::make_unique<ConfigNode>(xml.qualifiedName().toString());
-            for (const QXmlStreamAttribute& attribute : xml.attributes())
-                element->setAttribute(attribute.qualifiedName().toString(), attribute.value().toString());
-            open.push_back(open.back()->appendChild(std::move(element)));
-            break;
-        }
-        case QXmlStreamReader::EndElement:
-            if (open.size() > 1)
-                open.pop_back();
-            break;
-        default:
-            break;
-        }
-    }
-    if (xml.hasError())
-        return;
-    documentRoot->appendChild(std::move(fileElement));
+    ConfigTreeHandler handler(*fileElement);
+    QBuffer input;
+    input.setData(bytes);
+    input.open(QIODevice::ReadOnly);
+    if (parseXml(&input, handler))
+        documentRoot->appendChild(std::move(fileElement));
 }
 
 // Only the first group under the file element is ever searched: the first

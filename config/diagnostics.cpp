@@ -4,8 +4,11 @@
 
 void printDiagnostic(std::initializer_list<QByteArrayView> pieces)
 {
-    for (QByteArrayView piece : pieces)
-        std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
+    // An empty piece may have no data at all, which fwrite must not be given.
+    for (QByteArrayView piece : pieces) {
+        if (!piece.isEmpty())
+            std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
+    }
     std::fputc('\n', stdout);
     std::fflush(stdout);
 }

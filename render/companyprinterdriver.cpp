@@ -2,6 +2,8 @@
 
 #include "emptytext.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -12,17 +14,29 @@ constexpr unsigned deviceWidth = 32;
 constexpr qsizetype longestCentredLine = deviceWidth + 7;
 
 constexpr QLatin1StringView fiscalLineEnd("\r\n");
-constexpr QLatin1StringView lineClose("\"@\n");
+constexpr QStringView lineClose(u"\"@\n");
 
-// Looks for the reserved word by its first letter, which plain item text
-// rarely holds; a general substring search costs more than the rest of print.
+const QString quote = u"\""_s;
+constexpr QStringView blanks(u"                                ");
+
+// Every printed line is searched for the reserved word: by its first letter,
+// which plain item text rarely holds, rather than by a general substring
+// search.
 bool containsTotale(QStringView text)
 {
-    for (qsizetype i = text.indexOf(u'T'); i >= 0; i = text.indexOf(u'T', i + 1)) {
-        if (text.sliced(i).startsWith("TOTALE"_L1))
+    static constexpr char16_t word[] = u"TOTALE";
+    const char16_t* chars = text.utf16();
+    for (qsizetype i = text.indexOf(u'T'); i >= 0 && i + 6 <= text.size(); i = text.indexOf(u'T', i + 1)) {
+        if (std::equal(word + 1, word + 6, chars + i + 1))
             return true;
     }
     return false;
+}
+
+// The device reserves the word TOTALE: it must reach the paper as SOMMA.
+QString withoutReservedWord(const QString& text)
+{
+    return containsTotale(text) ? QString(text).replace("TOTALE"_L1, "SOMMA"_L1) : text;
 }
 
 QString commaDecimal(QStringView text)
@@ -112,7 +126,7 @@ void CompanyPrinterDriver::startSection()
     if (isFiscal())
         return;
     write(u"j\n");
-    line = u"\""_s;
+    line = quote;
 }
 
 void CompanyPrinterDriver::endSection()
@@ -122,26 +136,32 @@ void CompanyPrinterDriver::endSection()
 
 void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
-    // The device reserves the word TOTALE: it must reach the paper as SOMMA.
     if (indent)
         line.resize(line.size() + qsizetype(indent), u' ');
-    if (containsTotale(text))
-        line.append(QString(text).replace("TOTALE"_L1, "SOMMA"_L1));
-    else
-        line.append(text);
+    line.append(withoutReservedWord(text));
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
 {
-    print(indent, text);
-    line.append(lineClose);
-    if (justify == "center"_L1 && line.size() <= longestCentredLine) {
-        const qsizetype pad = (longestCentredLine - line.size()) / 2;
-        line.insert(1, QString(pad, u' '));
+    if (justify == "center"_L1) {
+        print(indent, text);
+        line.append(lineClose);
+        if (line.size() <= longestCentredLine) {
+            const qsizetype pad = (longestCentredLine - line.size()) / 2;
+            line.insert(1, QString(pad, u' '));
+        }
+        write(line);
+    } else {
+        // A left-aligned line needs no measuring: its pieces go out as they
+        // are, without being gathered first.
+        write(line);
+        for (; indent > unsigned(blanks.size()); indent -= unsigned(blanks.size()))
+            write(blanks);
+        write(blanks.first(indent));
+        write(withoutReservedWord(text));
+        write(lineClose);
     }
-    write(line);
-    line.resize(0);
-    line.append(u'"');
+    line = quote;
 }
 
 void CompanyPrinterDriver::println(const QString& text)

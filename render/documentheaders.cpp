@@ -33,7 +33,7 @@ void PrinterDriver::printHeaders(const XmlAttributes& atts)
     if (!settings.printHeader)
         return;
     // Free header lines: one per attribute, in the order written; names are not read.
-    for (const QXmlStreamAttribute& attribute : atts)
+    for (const XmlAttribute& attribute : atts)
         println(attribute.value().toString());
     printSeparatorLine();
 }
@@ -44,7 +44,7 @@ void PrinterDriver::printCompanyHeader(const XmlAttributes& atts)
         return;
     setCharSize();
     setCenterJustify();
-    for (const QXmlStreamAttribute& attribute : atts)
+    for (const XmlAttribute& attribute : atts)
         println(attribute.value().toString());
     setCharSize();
     printSeparatorLine();

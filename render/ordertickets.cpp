@@ -27,35 +27,51 @@ QString variantText(QStringView quantity, QStringView name)
 
 } // namespace
 
+namespace {
+
+// The header elements every list document shares, and what each prints.
+struct Section
+{
+    QLatin1StringView name;
+    void (*print)(PrinterDriver& driver, const XmlAttributes& atts);
+};
+
+const Section sections[] = {
+    {"printers"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.storePrinter(atts); }},
+    {"geometry"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printGeometry(atts); }},
+    {"headers"_L1,
+     [](PrinterDriver& d, const XmlAttributes& atts) {
+         d.printHeaders(atts);
+         d.printPrinterInfo();
+     }},
+    {"logo"_L1, [](PrinterDriver& d, const XmlAttributes&) { d.printLogo(); }},
+    {"company"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printCompanyHeader(atts); }},
+    {"receipt"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printReceiptHeader(atts); }},
+    {"invoice"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printInvoiceHeader(atts); }},
+    {"delivery"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printDeliveryHeader(atts); }},
+    {"orderinfo"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printOrderInfo(atts); }},
+};
+
+} // namespace
+
 bool PrinterDriver::printSections(const QString& name, const XmlAttributes& atts)
 {
-    if (name == "printers"_L1) {
-        printerInfo = atts.value("name"_L1).toString();
-        charsize = atts.value("charsize"_L1).toString();
-        ipaddress = atts.value("ipaddress"_L1).toString();
-        port = atts.value("port"_L1).toString();
-        initPrinter();
-    } else if (name == "geometry"_L1) {
-        printGeometry(atts);
-    } else if (name == "headers"_L1) {
-        printHeaders(atts);
-        printPrinterInfo();
-    } else if (name == "logo"_L1) {
-        printLogo();
-    } else if (name == "company"_L1) {
-        printCompanyHeader(atts);
-    } else if (name == "receipt"_L1) {
-        printReceiptHeader(atts);
-    } else if (name == "invoice"_L1) {
-        printInvoiceHeader(atts);
-    } else if (name == "delivery"_L1) {
-        printDeliveryHeader(atts);
-    } else if (name == "orderinfo"_L1) {
-        printOrderInfo(atts);
-    } else {
-        return false;
+    for (const Section& section : sections) {
+        if (isName(name, section.name)) {
+            section.print(*this, atts);
+            return true;
+        }
     }
-    return true;
+    return false;
+}
+
+void PrinterDriver::storePrinter(const XmlAttributes& atts)
+{
+    printerInfo = atts.value("name"_L1).toString();
+    charsize = atts.value("charsize"_L1).toString();
+    ipaddress = atts.value("ipaddress"_L1).toString();
+    port = atts.value("port"_L1).toString();
+    initPrinter();
 }
 
 void PrinterDriver::printFullOrder(const QString& qName, const XmlAttributes& atts)
@@ -63,18 +79,18 @@ void PrinterDriver::printFullOrder(const QString& qName, const XmlAttributes& at
     if (printSections(qName, atts))
         return;
 
-    if (qName == "customer"_L1) {
+    if (isName(qName, "customer"_L1)) {
         printCustomerHeader(atts);
-    } else if (qName == "receipe"_L1) {
+    } else if (isName(qName, "receipe"_L1)) {
         // Items whose name begins with "=" are internal and never printed.
         if (atts.value("name"_L1).startsWith(u'='))
             return;
         printPricedItem(atts, qdpt);
-    } else if (qName == "variant"_L1) {
+    } else if (isName(qName, "variant"_L1)) {
         println(descriptionRow(atts.value("number"_L1),
                                variantText(atts.value("quantity"_L1), atts.value("name"_L1)),
                                atts.value("price"_L1), atts.value("totalPrice"_L1), dot, qdpt));
-    } else if (qName == "total"_L1) {
+    } else if (isName(qName, "total"_L1)) {
         println(QString());
         setBold();
         printTotalLine(tr("TOTAL"), atts.value("price"_L1));
@@ -89,15 +105,15 @@ void PrinterDriver::printPartialOrder(const QString& qName, const XmlAttributes&
     const auto ticketLine = [&](QStringView name) {
         println(descriptionRow(atts.value("number"_L1), name, {}, {}, dot, qd));
     };
-    if (qName == "customer"_L1) {
+    if (isName(qName, "customer"_L1)) {
         printCustomerHeader(atts);
-    } else if (qName == "receipe"_L1) {
+    } else if (isName(qName, "receipe"_L1)) {
         setCharSize();
         ticketLine(atts.value("name"_L1));
-    } else if (qName == "otherreceipe"_L1) {
+    } else if (isName(qName, "otherreceipe"_L1)) {
         setCharSize(1);
         ticketLine(atts.value("name"_L1));
-    } else if (qName == "variant"_L1) {
+    } else if (isName(qName, "variant"_L1)) {
         ticketLine(variantText(atts.value("quantity"_L1), atts.value("name"_L1)));
     }
 }

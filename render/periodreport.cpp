@@ -71,7 +71,7 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
 
     ReportWriter report(*this, settings.paperWidth);
     const auto value = [&atts](const char* name) { return atts.value(QLatin1StringView(name)); };
-    if (qName == "date"_L1) {
+    if (isName(qName, "date"_L1)) {
         setBold();
         setCenterJustify();
         println(QString());
@@ -83,11 +83,11 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
         println(value("begindate").toString());
         print(0, tr("EndDate: "));
         println(value("enddate").toString());
-    } else if (qName == "prefiscalssummary"_L1) {
+    } else if (isName(qName, "prefiscalssummary"_L1)) {
         report.titleBlock(QT_TR_NOOP("PREFISCAL SUMMARY"));
         report.labelLine(QT_TR_NOOP("Number"), value("number"));
         report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
-    } else if (qName == "receiptssummary"_L1) {
+    } else if (isName(qName, "receiptssummary"_L1)) {
         report.titleBlock(QT_TR_NOOP("RECEIPTS SUMMARY"));
         report.labelLine(QT_TR_NOOP("Number"), value("number"));
         report.serialRange(atts);
@@ -101,13 +101,13 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
         printSeparatorLine();
         println(tr("TAXRATE").rightJustified(6, u' ') + u' ' + taxColumn(tr("TAXABLE")) + u' '
                 + taxColumn(tr("TAX")) + u' ' + taxColumn(tr("AMOUNT")));
-    } else if (qName == "taxrate_item"_L1) {
+    } else if (isName(qName, "taxrate_item"_L1)) {
         // The row differs from its heading on purpose: "% " after the rate
         // and one trailing blank.
         println(value("taxrate").toString().rightJustified(6, u' ') + "% "_L1
                 + taxColumn(value("taxable")) + u' ' + taxColumn(value("tax")) + u' '
                 + taxColumn(value("amount")) + u' ');
-    } else if (qName == "invoicessummary"_L1) {
+    } else if (isName(qName, "invoicessummary"_L1)) {
         printSeparatorLine();
         println(QString());
         report.titleBlock(QT_TR_NOOP("INVOICES SUMMARY"));
@@ -116,7 +116,7 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
         report.labelLine(QT_TR_NOOP("Taxable"), value("taxable"));
         report.labelLine(QT_TR_NOOP("Tax"), value("tax"));
         report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
-    } else if (qName == "cancelledsummary"_L1) {
+    } else if (isName(qName, "cancelledsummary"_L1)) {
         report.titleBlock(QT_TR_NOOP("CANCELLED DOC SUMMARY"));
         report.labelLine(QT_TR_NOOP("Number"), value("number"));
         report.labelLine(QT_TR_NOOP("TOTAL"), value("totals"));

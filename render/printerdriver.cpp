@@ -223,7 +223,7 @@ void PrinterDriver::loadValues(const QString& type)
 bool PrinterDriver::startElement(const QString&, const QString&, const QString& qName,
                                  const XmlAttributes& atts)
 {
-    if (qName != "method"_L1) {
+    if (!isName(qName, "method"_L1)) {
         // Elements before the method element, or after an unknown one, are ignored.
         if (currentEntry)
             (this->*currentEntry->print)(qName, atts);

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "saxreader.h"
+#include "xmlreader.h"
 #include "textoutput.h"
 
 #include <QCoreApplication>
 #include <QIODevice>
 #include <QString>
-#include <QXmlStreamAttributes>
 
 #include <memory>
 
@@ -103,6 +102,8 @@ public:
     virtual void printCustomerHeader(const XmlAttributes& atts);
     virtual void printOrderInfo(const XmlAttributes& atts);
     virtual bool printSections(const QString& name, const XmlAttributes& atts);
+    // Keeps the printer's name and connection from the "printers" element.
+    void storePrinter(const XmlAttributes& atts);
     virtual void printColumnsHeader(const QString& a1, const QString& a2,
                                     const QString& a3, const QString& a4);
 
@@ -163,6 +164,10 @@ protected:
 
 private:
     void openStream(QIODevice::OpenMode mode);
+
+    // The storage of the last row built, reused by the next: the row a
+    // caller prints is gone by then.
+    mutable QString rowBuffer;
 
     // The entry of the method table chosen by the last accepted "method"
     // element; null before one and after an unknown one.

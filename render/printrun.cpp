@@ -1,8 +1,10 @@
 #include "printrun.h"
 
+#include "catalogue.h"
 #include "companyprinterdriver.h"
-#include "saxreader.h"
+#include "diagnostics.h"
 #include "syncsingleton.h"
+#include "xmlreader.h"
 #include "ztconfiguration.h"
 
 #include <QCoreApplication>
@@ -10,8 +12,11 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include <csignal>
 #include <cstdio>
-#include <optional>
+#include <new>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -20,19 +25,55 @@ void loadTranslation(QTranslator& translator, const ZTConfiguration& configurati
     const QString base = configuration.getStrValue(u"zentaro.language.basedir"_s);
     const QString file = configuration.getStrValue(u"zentaro.language.file"_s);
     // "/" as the file asks for the catalogue of the system locale in the base
-    // folder; any other value is joined to the base as it stands. What the
-    // load finds is not examined: without a catalogue the labels stay English.
+    // folder; any other value is joined to the base as it stands. Without a
+    // catalogue the labels stay English.
     if (file == "/"_L1)
-        (void)translator.load(base + "/zentaro_"_L1 + QLocale::system().name(), u"."_s);
+        loadSoundCatalogue(translator, base + "/zentaro_"_L1 + QLocale::system().name(), u"."_s);
     else
-        (void)translator.load(base + file);
+        loadSoundCatalogue(translator, base + file);
 }
+
+namespace {
+
+// Whether two paths name one file, through links and hard links alike.
+bool sameFile(const char* first, const char* second)
+{
+    struct stat a, b;
+    return ::stat(first, &a) == 0 && ::stat(second, &b) == 0 && a.st_dev == b.st_dev
+        && a.st_ino == b.st_ino;
+}
+
+void render(const char* requestPath, const char* printPath, const ZTConfiguration& configuration)
+{
+    // The driver opens (and empties) the print file before the request is read.
+    CompanyPrinterDriver driver(QString::fromLocal8Bit(printPath), &configuration);
+    QFile input(QString::fromLocal8Bit(requestPath));
+    // A request that cannot be read parses as empty input.
+    (void)input.open(QIODevice::ReadOnly);
+    XmlReader reader(driver);
+    // Request text must not be able to end a printed line or start a command.
+    reader.setBlankControlCharacters(true);
+    try {
+        reader.parse(&input);
+    } catch (const std::bad_alloc&) {
+        // What was rendered so far is kept: the driver writes it on its way out.
+        printDiagnostic({"Out of memory: the print file ends with what was rendered before"});
+    }
+}
+
+} // namespace
 
 void compile(int argc, char** argv)
 {
     if (argc != 3 && argc != 4) {
         std::printf("Usage: %s input_file output_file\n", argc > 0 && argv[0] ? argv[0] : "zentaro-print");
         std::fflush(stdout);
+        return;
+    }
+    // A reader of the diagnostics that has gone away must not end the run.
+    std::signal(SIGPIPE, SIG_IGN);
+    if (sameFile(argv[1], argv[2])) {
+        printDiagnostic({"The output file is the input file, nothing was written: ", argv[2]});
         return;
     }
 
@@ -42,11 +83,5 @@ void compile(int argc, char** argv)
     QTranslator translator;
     loadTranslation(translator, *configuration);
     QCoreApplication::installTranslator(&translator);
-
-    // The driver opens (and empties) the print file before the request is read.
-    CompanyPrinterDriver driver(QString::fromLocal8Bit(argv[2]), configuration);
-    QFile input(QString::fromLocal8Bit(argv[1]));
-    // A request that cannot be read parses as empty input.
-    (void)input.open(QIODevice::ReadOnly);
-    parseXml(&input, driver);
+    render(argv[1], argv[2], *configuration);
 }

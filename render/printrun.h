@@ -9,5 +9,5 @@ class ZTConfiguration;
 void compile(int argc, char** argv);
 
 // Loads the label catalogue that the configuration's language settings name
-// ("zentaro.language.basedir" and "zentaro.language.file").
+// ("zentaro.language.basedir" and "zentaro.language.file"), if it is sound.
 void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration);

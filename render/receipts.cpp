@@ -10,14 +10,14 @@ void PrinterDriver::printFullOrderReceipt(const QString& qName, const XmlAttribu
     if (printSections(qName, atts))
         return;
 
-    if (qName == "customer"_L1) {
+    if (isName(qName, "customer"_L1)) {
         printCustomerHeader(atts);
-    } else if (qName == "receipe"_L1) {
+    } else if (isName(qName, "receipe"_L1)) {
         printPricedItem(atts, qxdpt);
-    } else if (qName == "total"_L1) {
+    } else if (isName(qName, "total"_L1)) {
         println(QString());
         printTotalLine(tr("TOTAL"), atts.value("price"_L1));
-    } else if (qName == "notPaid"_L1) {
+    } else if (isName(qName, "notPaid"_L1)) {
         println(QString());
         println(tr("    Amount not paid: ") + atts.value("price"_L1).toString());
     }
@@ -28,11 +28,11 @@ void PrinterDriver::printFullOrderInvoice(const QString& qName, const XmlAttribu
     if (printSections(qName, atts))
         return;
 
-    if (qName == "customer"_L1) {
+    if (isName(qName, "customer"_L1)) {
         printCustomerHeader(atts);
-    } else if (qName == "receipe"_L1) {
+    } else if (isName(qName, "receipe"_L1)) {
         printPricedItem(atts, qdpt);
-    } else if (qName == "totals"_L1) {
+    } else if (isName(qName, "totals"_L1)) {
         printInvoiceTotals(atts);
     }
 }
@@ -76,12 +76,12 @@ void PrinterDriver::printAbstractOrderReceipt(const QString& qName,
     if (printSections(qName, atts))
         return;
 
-    if (qName == "receipe_type"_L1) {
+    if (isName(qName, "receipe_type"_L1)) {
         printAbstractItem(atts);
-    } else if (qName == "total"_L1) {
+    } else if (isName(qName, "total"_L1)) {
         println(QString());
         printTotalLine(tr("TOTAL"), atts.value("price"_L1));
-    } else if (qName == "notPaid"_L1) {
+    } else if (isName(qName, "notPaid"_L1)) {
         println(QString());
         // This title is printed as it stands, in every language.
         println(u"   Corrispettivo non pagato: "_s + atts.value("price"_L1).toString());
@@ -94,11 +94,11 @@ void PrinterDriver::printAbstractOrderInvoice(const QString& qName,
     if (printSections(qName, atts))
         return;
 
-    if (qName == "customer"_L1)
+    if (isName(qName, "customer"_L1))
         printCustomerHeader(atts);
-    else if (qName == "receipe_type"_L1)
+    else if (isName(qName, "receipe_type"_L1))
         printAbstractItem(atts);
-    else if (qName == "totals"_L1)
+    else if (isName(qName, "totals"_L1))
         printInvoiceTotals(atts);
 }
 
@@ -109,12 +109,12 @@ void PrinterDriver::printFullOrderFiscal(const QString& qName, const XmlAttribut
     if (descriptionWidth == 0)
         descriptionWidth = int(getPaperWidth());
 
-    if (qName == "receipe"_L1) {
+    if (isName(qName, "receipe"_L1)) {
         const QStringView name = atts.value("name"_L1);
         printRowFiscal(atts.value("department"_L1).toString(), atts.value("number"_L1).toString(),
                        (descriptionWidth < 0 ? name : name.left(descriptionWidth)).toString(),
                        atts.value("price"_L1).toString());
-    } else if (qName == "total"_L1) {
+    } else if (isName(qName, "total"_L1)) {
         // The payment form writes only for "totals", so a fiscal receipt
         // carries its item lines alone; the printer sums them itself.
         printRowFiscal(qName, atts);
@@ -124,10 +124,10 @@ void PrinterDriver::printFullOrderFiscal(const QString& qName, const XmlAttribut
 void PrinterDriver::printAbstractOrderFiscal(const QString& qName,
                                              const XmlAttributes& atts)
 {
-    if (qName == "receipe_type"_L1) {
+    if (isName(qName, "receipe_type"_L1)) {
         printRowFiscal(atts.value("department"_L1).toString(), u"1"_s,
                        atts.value("name"_L1).toString(), atts.value("price"_L1).toString());
-    } else if (qName == "total"_L1) {
+    } else if (isName(qName, "total"_L1)) {
         printRowFiscal(qName, atts);
     }
 }
@@ -135,7 +135,7 @@ void PrinterDriver::printAbstractOrderFiscal(const QString& qName,
 void PrinterDriver::printFullOrderDelivery(const QString& qName, const XmlAttributes& atts)
 {
     // A delivery note's body is an order ticket.
-    if (qName == "customer"_L1)
+    if (isName(qName, "customer"_L1))
         printCustomerHeader(atts);
     else
         printPartialOrder(qName, atts);

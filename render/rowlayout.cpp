@@ -4,36 +4,65 @@
 
 #include "emptytext.h"
 
+#include <algorithm>
+
 using namespace RowLayout;
 using namespace Qt::StringLiterals;
 
-void RowLayout::appendRight(QString& row, QStringView text, int width, QChar fill)
-{
-    if (text.size() < width)
-        row.resize(row.size() + (width - text.size()), fill);
-    row.append(text);
-}
-
-void RowLayout::appendLeft(QString& row, QStringView text, int width, QChar fill)
-{
-    row.append(text);
-    if (text.size() < width)
-        row.resize(row.size() + (width - text.size()), fill);
-}
-
 namespace {
 
-// The description column is exactly its width. A negative width (columns
-// wider than the paper) leaves the description whole, as an unsigned count would.
-void appendDescription(QString& row, QStringView text, int width, QChar fill)
+// One column of a row and how its text meets its width. Padding never cuts;
+// only the description column is cut, to exactly its width. A negative
+// description width (columns wider than the paper) leaves the description
+// whole, as an unsigned count would.
+struct Column
 {
-    if (width >= 0 && text.size() > width)
-        row.append(text.left(width));
-    else
-        appendLeft(row, text, width, fill);
+    enum Justify { Plain, Right, Left, Description };
+
+    QStringView text;
+    Justify justify = Plain;
+    int width = 0;
+    QChar fill = blank;
+
+    qsizetype length() const
+    {
+        if (justify == Plain || width < 0)
+            return text.size();
+        if (justify == Description)
+            return width;
+        return qMax<qsizetype>(width, text.size());
+    }
+
+    char16_t* write(char16_t* out) const
+    {
+        const qsizetype padding = length() - qMin(text.size(), length());
+        const qsizetype shown = length() - padding;
+        if (justify == Right)
+            out = std::fill_n(out, padding, fill.unicode());
+        out = std::copy_n(text.utf16(), shown, out);
+        if (justify != Right)
+            out = std::fill_n(out, padding, fill.unicode());
+        return out;
+    }
+};
+
+// The row is measured first and written in one piece, into a text whose
+// storage serves row after row: a long document builds one row per item.
+const QString& joinColumns(QString& row, std::initializer_list<Column> columns)
+{
+    qsizetype length = 0;
+    for (const Column& column : columns)
+        length += column.length();
+    row.resize(length);
+    char16_t* out = reinterpret_cast<char16_t*>(row.data());
+    for (const Column& column : columns)
+        out = column.write(out);
+    return row;
 }
 
-const QLatin1StringView times(" x ");
+const QStringView times(u" x ");
+const QStringView oneBlank(u" ");
+const QStringView lineFeed(u"\n");
 
 } // namespace
 
@@ -44,43 +73,34 @@ QString PrinterDriver::descriptionRow(QStringView a1, QStringView a2, QStringVie
     const int p = settings.priceFieldWidth;
     const int t = settings.totalPriceFieldWidth;
     const int w = settings.paperWidth;
-    QString row;
-    row.reserve(qMax(w, 0) + a1.size() + a2.size() + a3.size() + a4.size() + 8);
+    using C = Column;
 
-    const bool withTimes = layout == qxdpt;
-    if (withTimes || layout == qdpt) {
-        // "qxdpt" writes " x " after the quantity and so has a description
-        // two characters narrower than "qdpt".
-        appendRight(row, a1, q);
-        if (withTimes)
-            row.append(times);
-        else
-            row.append(blank);
-        appendDescription(row, a2, w - q - p - t - (withTimes ? 3 : 1), fill);
-        appendRight(row, a3, p, fill);
-        appendRight(row, a4, t);
-    } else if (layout == qxdtDoubleLine) {
-        row.append(a1).append(times).append(a3).append(u'\n');
-        appendDescription(row, a2, w - t, fill);
-        appendRight(row, a4, t, fill);
-    } else if (layout == qxd) {
-        appendRight(row, a1, q);
-        row.append(times);
-        appendDescription(row, a2, w - q - 3, fill);
-    } else if (layout == qd) {
+    if (layout == qdpt) {
+        return joinColumns(rowBuffer, {{a1, C::Right, q}, {oneBlank}, {a2, C::Description, w - q - p - t - 1, fill},
+                            {a3, C::Right, p, fill}, {a4, C::Right, t}});
+    }
+    if (layout == qxdpt) {
+        // " x " after the quantity makes the description two characters
+        // narrower than in "qdpt".
+        return joinColumns(rowBuffer, {{a1, C::Right, q}, {times}, {a2, C::Description, w - q - p - t - 3, fill},
+                            {a3, C::Right, p, fill}, {a4, C::Right, t}});
+    }
+    if (layout == qxdtDoubleLine) {
+        return joinColumns(rowBuffer, {{a1}, {times}, {a3}, {lineFeed}, {a2, C::Description, w - t, fill},
+                            {a4, C::Right, t, fill}});
+    }
+    if (layout == qxd)
+        return joinColumns(rowBuffer, {{a1, C::Right, q}, {times}, {a2, C::Description, w - q - 3, fill}});
+    if (layout == qd) {
         // Three characters are reserved for a one-character separator, so the
         // line ends two characters short of the paper.
-        appendRight(row, a1, q);
-        row.append(blank);
-        appendDescription(row, a2, w - q - 3, blank);
-    } else if (layout == dateAmountType) {
-        appendLeft(row, a1, 15);
-        appendDescription(row, a2, w - 15 - p - 3, fill);
-        appendRight(row, a3, p, fill);
-    } else {
-        return emptyText();
+        return joinColumns(rowBuffer, {{a1, C::Right, q}, {oneBlank}, {a2, C::Description, w - q - 3}});
     }
-    return row;
+    if (layout == dateAmountType) {
+        return joinColumns(rowBuffer, {{a1, C::Left, 15}, {a2, C::Description, w - 15 - p - 3, fill},
+                            {a3, C::Right, p, fill}});
+    }
+    return emptyText();
 }
 
 void PrinterDriver::printColumnsHeader(const QString& a1, const QString& a2, const QString& a3,

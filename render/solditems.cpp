@@ -25,7 +25,7 @@ void PrinterDriver::printSold(const QString& qName, const XmlAttributes& atts)
     if (printSections(qName, atts))
         return;
 
-    if (qName == "receipe"_L1) {
+    if (isName(qName, "receipe"_L1)) {
         setBold();
         println(descriptionRow(atts.value("quantity"_L1), atts.value("description"_L1), {},
                                atts.value("amount"_L1), dot, qxdpt));
@@ -38,12 +38,12 @@ void PrinterDriver::printStatementOfAccount(const QString& qName, const XmlAttri
     if (printSections(qName, atts))
         return;
 
-    if (qName == "statement_list"_L1) {
+    if (isName(qName, "statement_list"_L1)) {
         setBold();
         println(descriptionRow(tr("Date"), tr("Description"), tr("Amount"), {}, blank,
                                dateAmountType));
         reset();
-    } else if (qName == "statement"_L1) {
+    } else if (isName(qName, "statement"_L1)) {
         const QByteArray type = atts.value("type"_L1).toUtf8();
         println(descriptionRow(atts.value("date"_L1).toString() + ": "_L1, tr(type.constData()),
                                atts.value("amount"_L1), {}, dot, dateAmountType));

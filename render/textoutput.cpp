@@ -2,16 +2,9 @@
 
 #include <QIODevice>
 
-namespace {
-
-constexpr qsizetype bufferSize = 64 * 1024;
-
-} // namespace
-
 TextOutput::TextOutput(QIODevice* device)
-    : device(device), encoder(QStringConverter::System)
+    : device(device), encoder(QStringConverter::System), buffer(new char[bufferSize])
 {
-    buffer.reserve(bufferSize);
 }
 
 TextOutput::~TextOutput()
@@ -19,23 +12,26 @@ TextOutput::~TextOutput()
     flush();
 }
 
-TextOutput& TextOutput::operator<<(QStringView text)
+// Text that may not fit what is left of the buffer: the buffer is emptied
+// first, and text longer than a third of it goes in pieces.
+void TextOutput::encodeLong(QStringView text)
 {
-    const qsizetype needed = encoder.requiredSpace(text.size());
-    if (buffer.size() + needed > bufferSize)
+    flush();
+    constexpr qsizetype piece = bufferSize / 3;
+    while (text.size() > piece) {
+        // A piece never ends inside a surrogate pair.
+        const qsizetype cut = QChar::isHighSurrogate(text[piece - 1].unicode()) ? piece - 1 : piece;
+        encode(text.first(cut));
         flush();
-    const qsizetype used = buffer.size();
-    buffer.resize(used + needed);
-    char* end = encoder.appendToBuffer(buffer.data() + used, text);
-    buffer.resize(end - buffer.constData());
-    return *this;
+        text = text.sliced(cut);
+    }
+    encode(text);
 }
 
 void TextOutput::flush()
 {
-    if (buffer.isEmpty())
+    if (used == 0)
         return;
-    device->write(buffer);
-    // Shrinking keeps the capacity, so the buffer is allocated once.
-    buffer.resize(0);
+    device->write(buffer.get(), used);
+    used = 0;
 }

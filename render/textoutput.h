@@ -1,15 +1,18 @@
 #pragma once
 
-#include <QByteArray>
 #include <QStringEncoder>
 #include <QStringView>
 
+#include <cstring>
+#include <memory>
+
 class QIODevice;
 
-// The text stream on the print file: text is encoded in the locale's 8-bit
-// encoding straight into one reused buffer, which goes to the device in
-// large pieces. A long receipt writes a line per item, so the stream does
-// no more per line than encode and append.
+// The text stream on the print file: text is encoded straight into one
+// buffer, which goes to the device in large pieces. A long receipt writes a
+// line per item, so the stream does no more per line than encode and append:
+// ASCII, most of a print file, is copied byte by byte, and only other text
+// goes through the encoder.
 class TextOutput
 {
 public:
@@ -19,11 +22,45 @@ public:
     TextOutput(const TextOutput&) = delete;
     TextOutput& operator=(const TextOutput&) = delete;
 
-    TextOutput& operator<<(QStringView text);
+    TextOutput& operator<<(QStringView text)
+    {
+        // Three bytes are the most one UTF-16 unit becomes.
+        if (text.size() <= (bufferSize - used) / 3)
+            encode(text);
+        else
+            encodeLong(text);
+        return *this;
+    }
     void flush();
 
 private:
+    static constexpr qsizetype bufferSize = 64 * 1024;
+
+    void encode(QStringView text)
+    {
+        char* out = buffer.get() + used;
+        const char16_t* in = text.utf16();
+        const char16_t* const end = in + text.size();
+        // The encodings of the print file all write ASCII as itself: it is
+        // copied four characters at a time where it can.
+        for (; end - in >= 4; in += 4, out += 4) {
+            quint64 units;
+            std::memcpy(&units, in, 8);
+            if (units & 0xff80ff80ff80ff80ull)
+                break;
+            for (int k = 0; k < 4; ++k)
+                out[k] = char(in[k]);
+        }
+        while (in != end && *in < 0x80)
+            *out++ = char(*in++);
+        if (in != end)
+            out = encoder.appendToBuffer(out, QStringView(in, end));
+        used = out - buffer.get();
+    }
+    void encodeLong(QStringView text);
+
     QIODevice* device;
     QStringEncoder encoder;
-    QByteArray buffer;
+    std::unique_ptr<char[]> buffer;
+    qsizetype used = 0;
 };

@@ -34,7 +34,7 @@ failed=0
 render() {
   local shown=$1 home=$2 req=$3 out=$4 diag status=0
   rm -f -- "$out"
-  diag=$(HOME="$home" "$build/app/zentaro-print" "$req" "$out") || status=$?
+  diag=$(HOME="$home" "$build/tools/zentaro-print/zentaro-print" "$req" "$out") || status=$?
   echo "==> $shown"
   if [[ -f $out ]]; then
     cat -- "$out"

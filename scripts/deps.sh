@@ -8,6 +8,7 @@ set -euo pipefail
 packages=(
   cmake g++
   qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
+  libexpat1-dev
   libqt6sql6-psql postgresql
   libgtest-dev
   clang

@@ -47,7 +47,7 @@ configure_and_build "$build_root/build-asan" -DZENTARO_SANITIZE=ON
 # The fuzz build instruments everything for libFuzzer, so only the fuzz
 # targets are built there; the unit tests run in the two builds above.
 CC=clang CXX=clang++ configure_and_build "$build_root/build-fuzz" -DZENTARO_FUZZ=ON \
-  -- --target fuzz_config fuzz_print
+  -- --target fuzz_targets zentaro-print
 
 # fuzz_smoke TARGET SEED...: a short run from the seeds; a crash, leak, hang
 # or sanitizer report fails it and leaves the input in build-fuzz/artifacts/.
@@ -64,7 +64,7 @@ fuzz_smoke() {
     cp -- "$seed" "$corpus/seed-$((i++))-$(basename -- "$seed")"
   done
   echo "==> fuzz $target for ${fuzz_seconds}s ($i seeds)"
-  if "$bin" -max_total_time="$fuzz_seconds" -timeout=10 \
+  if "$bin" -max_total_time="$fuzz_seconds" -timeout=10 -max_len=65536 \
       -artifact_prefix="$artifacts/$target-" "$corpus" >"$log" 2>&1; then
     grep -E '^Done [0-9]+ runs' "$log" || true
   else
@@ -80,10 +80,16 @@ fuzz_smoke fuzz_config \
   "$repo"/tests/fuzz/corpus/fuzz_config/* \
   "$repo"/tests/fuzz/regressions/fuzz_config/* \
   "$repo"/examples/home*/.zentaro/conf/zentaro.conf
+fuzz_smoke fuzz_config_xml \
+  "$repo"/tests/fuzz/regressions/fuzz_config_xml/* \
+  "$repo"/tests/config/data/*.xml
 fuzz_smoke fuzz_print \
   "$repo"/tests/fuzz/corpus/fuzz_print/* \
   "$repo"/tests/fuzz/regressions/fuzz_print/* \
-  "$repo"/examples/*.xml "$repo"/examples/requests/*.xml
+  "$repo"/examples/requests/*.xml "$repo"/tests/golden/cases/*/request.xml
+fuzz_smoke fuzz_catalogue \
+  "$repo"/tests/fuzz/regressions/fuzz_catalogue/* \
+  "$build_root"/build-fuzz/translations/*.qm
 shopt -u nullglob
 
 # Inputs that once crashed a fuzz target are replayed by CTest in the fuzz
@@ -91,6 +97,12 @@ shopt -u nullglob
 echo "==> replay fuzz regressions"
 ctest --test-dir "$build_root/build-fuzz" -R '^fuzz_.*_regressions$' --output-on-failure \
   || failures+=("fuzz regressions")
+
+# The database tests bring their own server: in each build tree the CTest
+# fixture "postgres" (tests/support/pgserver.sh) starts a throwaway
+# PostgreSQL on a private socket folder under /tmp, as the "postgres" user
+# when run as root, and stops and removes it after the last test that needs
+# it, also when tests fail. A server that cannot start fails those tests.
 
 echo "==> unit tests, normal build"
 ctest --test-dir "$build_root/build" --output-on-failure -j "$ctest_jobs" --timeout 600 \

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>HLibrary</name>
+    <message>
+        <source>PaperWindow</source>
+        <translation>Papierwechsel</translation>
+    </message>
+    <message>
+        <source>Insert a new sheet</source>
+        <translation>Neues Blatt einlegen</translation>
+    </message>
+</context>
+<context>
     <name>PrinterDriver</name>
     <message>
         <source>Serial Number: </source>

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="it_IT">
 <context>
+    <name>HLibrary</name>
+    <message>
+        <source>PaperWindow</source>
+        <translation>Cambio carta</translation>
+    </message>
+    <message>
+        <source>Insert a new sheet</source>
+        <translation>Inserire un nuovo foglio</translation>
+    </message>
+</context>
+<context>
     <name>PrinterDriver</name>
     <message>
         <source>Serial Number: </source>

@@ -1,7 +1,9 @@
-// Feeds arbitrary bytes as a print request through the driver and the
-// command-text device, with a fixed configuration.
+// Feeds arbitrary bytes as a print request through the reader, the driver
+// and the command-text device, with a fixed configuration, and checks the
+// prefix rule: a request that breaks off at a fault prints exactly what the
+// same request cut just before the fault prints.
 #include "companyprinterdriver.h"
-#include "saxreader.h"
+#include "xmlreader.h"
 #include "ztconfiguration.h"
 
 #include <QBuffer>
@@ -9,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -30,19 +33,59 @@ const char configuration[] = R"(zentaro : {
 };
 )";
 
+// Everything the driver prints for the elements, leaving out the closing
+// section that only a complete document gets.
+class WithoutEnd : public XmlContentHandler
+{
+public:
+    explicit WithoutEnd(PrinterDriver& driver)
+        : driver(driver)
+    {
+    }
+    bool startDocument() override { return driver.startDocument(); }
+    bool startElement(const QString& ns, const QString& local, const QString& qName,
+                      const XmlAttributes& atts) override
+    {
+        return driver.startElement(ns, local, qName, atts);
+    }
+
+private:
+    PrinterDriver& driver;
+};
+
+struct Printed
+{
+    QByteArray bytes;
+    qint64 faultOffset;
+    QByteArray encoding;
+};
+
+Printed print(QByteArray request, const QByteArray& undeclaredEncoding)
+{
+    static const auto settings = ZTConfiguration::fromText(configuration);
+    QBuffer input(&request);
+    input.open(QIODevice::ReadOnly);
+    QByteArray output;
+    CompanyPrinterDriver driver(std::make_unique<QBuffer>(&output), settings.get());
+    WithoutEnd handler(driver);
+    XmlReader reader(handler);
+    reader.setBlankControlCharacters(true);
+    reader.setUndeclaredEncoding(undeclaredEncoding);
+    reader.parse(&input);
+    driver.flush();
+    return {output, reader.faultOffset(), reader.undeclaredEncoding()};
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const auto settings = ZTConfiguration::fromText(configuration);
-
-    QByteArray request(reinterpret_cast<const char*>(data), qsizetype(size));
-    QBuffer input(&request);
-    input.open(QIODevice::ReadOnly);
-
-    QByteArray output;
-    CompanyPrinterDriver driver(std::make_unique<QBuffer>(&output), settings.get());
-    parseXml(&input, driver);
-    driver.flush();
+    const QByteArray request(reinterpret_cast<const char*>(data), qsizetype(size));
+    const Printed whole = print(request, {});
+    if (whole.faultOffset < 0)
+        return 0;
+    const Printed cut = print(request.first(whole.faultOffset), whole.encoding);
+    if (cut.bytes != whole.bytes)
+        std::abort();
     return 0;
 }

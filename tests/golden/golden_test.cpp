@@ -2,7 +2,8 @@
 // holds a request and the exact bytes expected on paper and on standard
 // output:
 //   request.xml          the request (absent: the input file is missing)
-//   settings.conf        settings that differ from cases/default.conf (optional)
+//   settings.conf        settings that differ from cases/default.conf (optional;
+//                        @TRANSLATIONS@ is the build's catalogues, @CASE@ the case folder)
 //   args                 words replacing "@REQUEST@ @OUTPUT@" (optional)
 //   env                  NAME=value lines added to the environment (optional)
 //   expected.txt         the print file (absent: no print file may appear)
@@ -52,7 +53,7 @@ QByteArray configurationFor(const QDir& dir)
     QByteArray conf = readBytes(casesDir + "/default.conf"_L1);
     const QByteArray settings = readBytes(dir.filePath(u"settings.conf"_s));
     conf.insert(conf.indexOf('{') + 1, "\n" + settings);
-    return conf.replace("@TRANSLATIONS@", ZENTARO_TRANSLATIONS);
+    return conf.replace("@TRANSLATIONS@", ZENTARO_TRANSLATIONS).replace("@CASE@", dir.path().toLocal8Bit());
 }
 
 QStringList argumentsFor(const QDir& dir, const QString& request, const QString& output)
@@ -111,8 +112,8 @@ TEST_P(Golden, PrintRun)
     EXPECT_EQ(run.exitCode(), 0) << errors.toStdString();
 
     QByteArray gotStdout = run.readAllStandardOutput();
-    // The program's path differs from one build to the next.
-    gotStdout.replace(ZENTARO_PRINT, "@PROGRAM@");
+    // The program's and the case's paths differ from one checkout to the next.
+    gotStdout.replace(ZENTARO_PRINT, "@PROGRAM@").replace(dir.path().toLocal8Bit(), "@CASE@");
     expectFile(dir.filePath(u"expected_stdout.txt"_s), gotStdout, true, "standard output");
 
     const QString expectedPath = dir.filePath(u"expected.txt"_s);

@@ -1,4 +1,4 @@
-#include "saxreader.h"
+#include "xmlreader.h"
 #include "testdriver.h"
 
 #include <gtest/gtest.h>

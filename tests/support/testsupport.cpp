@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -94,6 +95,22 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
             out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
     }
     return out.toStdString();
+}
+
+QByteArray numberedLines(int count)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += QByteArray::number(i % 10).repeated(10) + '\n';
+    return text;
+}
+
+QByteArray withoutTimeStamps(const QByteArray& log)
+{
+    static const QRegularExpression stamp(
+        QStringLiteral(R"(^\[\d\d-\d\d-\d{4} \d\d:\d\d:\d\d:\d{3}\] )"),
+        QRegularExpression::MultilineOption);
+    return QString::fromLocal8Bit(log).remove(stamp).toLocal8Bit();
 }
 
 void expectGoldenFile(const QString& path, const QByteArray& actual)

@@ -47,6 +47,14 @@ private:
 // marked - (expected) and + (actual).
 std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
 
+// A print file of `count` lines, each ten times one digit (0, 1, ... 9, 0,
+// ...) and a line end: 11 bytes a line.
+QByteArray numberedLines(int count);
+
+// A log file's text with the time stamp "[MM-dd-yyyy hh:mm:ss:zzz] " taken
+// off every line that starts with one, so that the rest can be compared.
+QByteArray withoutTimeStamps(const QByteArray& log);
+
 // Expects `actual` to be the bytes of the golden file at `path`, showing a
 // line diff when it is not. With GOLDEN_UPDATE=1 in the environment it
 // writes the file instead, for review with git diff.

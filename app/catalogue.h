@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+class QTranslator;
+
+// Whether a compiled label catalogue (.qm) holds together: every section
+// within the file, every entry of the hash table pointing at a message, and
+// every message a sequence of fields inside its section, closed by an end
+// mark. The toolkit's translator checks a catalogue's outline when it loads
+// it but follows the hash table's offsets unchecked when it translates, so
+// a damaged catalogue must be caught before it is installed.
+bool isSoundCatalogue(QByteArrayView catalogue);
+
+// Loads `name` as QTranslator::load(name, directory) does and keeps it only
+// when it is sound; a damaged catalogue gets one line on standard output
+// and leaves the translator empty. Answers whether a catalogue was kept.
+bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QString& directory = {});

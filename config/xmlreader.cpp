@@ -1,0 +1,453 @@
+#include "xmlreader.h"
+
+#include "diagnostics.h"
+
+#include <QIODevice>
+#include <QStringDecoder>
+
+#include <expat.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <exception>
+#include <new>
+
+using namespace Qt::StringLiterals;
+
+XmlAttributes::XmlAttributes(const XmlAttributes& other)
+{
+    *this = other;
+}
+
+XmlAttributes& XmlAttributes::operator=(const XmlAttributes& other)
+{
+    if (this == &other)
+        return *this;
+    clear();
+    char16_t* const base = reserve(other.used);
+    std::copy_n(other.buffer.get(), other.used, base);
+    for (const XmlAttribute& attribute : other.items) {
+        const char16_t* name = base + (attribute.m_qualifiedName.utf16() - other.buffer.get());
+        const char16_t* value = name + attribute.m_qualifiedName.size();
+        add(name, value, value + attribute.m_value.size());
+    }
+    return *this;
+}
+
+QStringView XmlAttributes::value(QStringView qualifiedName) const
+{
+    for (const XmlAttribute& attribute : items) {
+        if (attribute.m_qualifiedName == qualifiedName)
+            return attribute.m_value;
+    }
+    return u"";
+}
+
+void XmlAttributes::append(QStringView qualifiedName, QStringView value)
+{
+    char16_t* name = reserve(qualifiedName.size() + value.size());
+    char16_t* end = std::copy_n(qualifiedName.utf16(), qualifiedName.size(), name);
+    add(name, end, std::copy_n(value.utf16(), value.size(), end));
+}
+
+void XmlAttributes::clear()
+{
+    used = 0;
+    items.clear();
+}
+
+void XmlAttributes::grow(qsizetype count)
+{
+    const qsizetype grown = qMax(2 * capacity, used + count + 256);
+    // Allocated like the toolkit's own texts, so that running out of memory
+    // shows the same way: as std::bad_alloc, which the caller may handle.
+    std::unique_ptr<char16_t[], Free> larger(
+        static_cast<char16_t*>(std::malloc(std::size_t(grown) * sizeof(char16_t))));
+    if (!larger)
+        throw std::bad_alloc();
+    std::copy_n(buffer.get(), used, larger.get());
+    for (XmlAttribute& attribute : items) {
+        const char16_t* name = larger.get() + (attribute.m_qualifiedName.utf16() - buffer.get());
+        attribute.m_qualifiedName = QStringView(name, attribute.m_qualifiedName.size());
+        attribute.m_value = QStringView(name + attribute.m_qualifiedName.size(), attribute.m_value.size());
+    }
+    buffer = std::move(larger);
+    capacity = grown;
+}
+
+bool XmlContentHandler::startElement(const QString&, const QString&, const QString&,
+                                     const XmlAttributes&)
+{
+    return true;
+}
+
+bool XmlContentHandler::endElement(const QString&, const QString&, const QString&)
+{
+    return true;
+}
+
+namespace {
+
+constexpr qint64 chunkSize = 64 * 1024;
+
+// Documents repeat a few element and attribute names thousands of times:
+// each name's texts are made once and found again by their bytes.
+class NameCache
+{
+public:
+    struct Name
+    {
+        QByteArray utf8;
+        QString qualified;
+        QString local; // after the prefix, if there is one
+    };
+
+    const Name& find(const char* utf8)
+    {
+        const qsizetype length = qsizetype(std::strlen(utf8));
+        // An end tag names the element just started, and items repeat: the
+        // name found last is tried first.
+        if (matches(*last, utf8, length))
+            return *last;
+        for (const Name& name : names) {
+            if (matches(name, utf8, length)) {
+                last = &name;
+                return name;
+            }
+        }
+        Name& slot = names[next];
+        last = &slot;
+        next = (next + 1) % names.size();
+        slot.utf8 = QByteArray(utf8, length);
+        slot.qualified = QString::fromUtf8(slot.utf8);
+        const qsizetype colon = slot.qualified.indexOf(u':');
+        slot.local = colon < 0 ? slot.qualified : slot.qualified.sliced(colon + 1);
+        return slot;
+    }
+
+private:
+    static bool matches(const Name& name, const char* utf8, qsizetype length)
+    {
+        return name.utf8.size() == length && std::memcmp(name.utf8.constData(), utf8, std::size_t(length)) == 0;
+    }
+
+    std::array<Name, 16> names;
+    const Name* last = &names[0];
+    std::size_t next = 0;
+};
+
+bool isControl(char16_t c)
+{
+    return c < 0x20 || c == 0x7f;
+}
+
+// Copies the leading ASCII of `utf8` into `out`, eight or four bytes at a
+// time where it can, and answers how many bytes that was. Control
+// characters become blanks when asked.
+template<typename Block>
+qsizetype widenBlocks(const char* utf8, qsizetype length, char16_t* out, bool blank, qsizetype i)
+{
+    constexpr Block ones = Block(0x0101010101010101ull);
+    constexpr Block highBits = Block(0x8080808080808080ull);
+    for (; length - i >= qsizetype(sizeof(Block)); i += sizeof(Block)) {
+        Block bytes;
+        std::memcpy(&bytes, utf8 + i, sizeof(Block));
+        if (bytes & highBits)
+            break;
+        for (std::size_t k = 0; k < sizeof(Block); ++k)
+            out[i + k] = static_cast<unsigned char>(utf8[i + k]);
+        // A byte below 0x20 or equal to 0x7f: the usual zero-byte test on
+        // the bytes less 0x20 and on the bytes xor 0x7f (a borrow only ever
+        // adds a false alarm, which the scan then clears).
+        if (blank && (((bytes - 0x20 * ones) | ((bytes ^ 0x7f * ones) - ones)) & highBits))
+            std::replace_if(out + i, out + i + sizeof(Block), isControl, u' ');
+    }
+    return i;
+}
+
+qsizetype widenAscii(const char* utf8, qsizetype length, char16_t* out, bool blank)
+{
+    qsizetype i = widenBlocks<quint64>(utf8, length, out, blank, 0);
+    i = widenBlocks<quint32>(utf8, length, out, blank, i);
+    for (; i < length && static_cast<unsigned char>(utf8[i]) < 0x80; ++i)
+        out[i] = blank && isControl(char16_t(utf8[i])) ? u' ' : char16_t(utf8[i]);
+    return i;
+}
+
+// Whether the first bytes of a document say which encoding it is in: a
+// byte-order mark, the zero bytes of UTF-16, or an encoding declaration.
+bool encodingIsStated(QByteArrayView head)
+{
+    if (head.startsWith("\xEF\xBB\xBF") || head.startsWith("\xFE\xFF") || head.startsWith("\xFF\xFE"))
+        return true;
+    if (head.size() >= 2 && (head[0] == '\0' || head[1] == '\0'))
+        return true;
+    if (!head.startsWith("<?xml"))
+        return false;
+    const qsizetype end = head.indexOf("?>");
+    const QByteArrayView declaration = end < 0 ? head : head.first(end);
+    return declaration.indexOf("encoding") >= 0;
+}
+
+// How many bytes at the end of `block` are the start of a UTF-8 sequence
+// that the next block completes.
+qsizetype incompleteTail(QByteArrayView block)
+{
+    for (qsizetype back = 1; back <= 3 && back <= block.size(); ++back) {
+        const auto byte = static_cast<unsigned char>(block[block.size() - back]);
+        if ((byte & 0xC0) == 0x80)
+            continue; // a continuation byte: look further back for the lead
+        const int length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        return length > back ? back : 0;
+    }
+    return 0;
+}
+
+// A point-of-sale program that writes Latin-1 without saying so is a common
+// fault: a document that states no encoding and is not valid UTF-8 is read
+// as ISO-8859-1. Only an input that can be read twice gets this look.
+QByteArray encodingOfUnstated(QIODevice* input)
+{
+    if (input->isSequential())
+        return "UTF-8"_ba;
+    const qint64 start = input->pos();
+    QByteArray carry;
+    bool valid = true;
+    while (valid) {
+        QByteArray block = input->read(1 << 20);
+        if (block.isEmpty())
+            break;
+        if (!carry.isEmpty())
+            block.prepend(carry);
+        const qsizetype tail = incompleteTail(block);
+        valid = QByteArrayView(block).chopped(tail).isValidUtf8();
+        carry = block.right(tail);
+    }
+    input->seek(start);
+    return valid && carry.isEmpty() ? "UTF-8"_ba : "ISO-8859-1"_ba;
+}
+
+} // namespace
+
+struct XmlReader::Private
+{
+    explicit Private(XmlContentHandler& handler)
+        : handler(handler)
+    {
+    }
+
+    void stop()
+    {
+        stopped = true;
+        XML_StopParser(parser, XML_FALSE);
+    }
+
+    // The handler may throw (an allocation failure); the exception must not
+    // cross the parser's C frames, so it is kept and thrown again after.
+    template<typename Step>
+    void guarded(Step step)
+    {
+        if (stopped)
+            return;
+        try {
+            step();
+        } catch (...) {
+            exception = std::current_exception();
+            stop();
+        }
+    }
+
+    // Decodes one name or value into `out`, answering where it ends. Most
+    // request text is ASCII, which is widened eight bytes at a time.
+    char16_t* decode(const char* utf8, qsizetype length, char16_t* out, bool blank)
+    {
+        const qsizetype ascii = widenAscii(utf8, length, out, blank);
+        char16_t* end = out + ascii;
+        if (ascii < length) {
+            // Expat hands over valid UTF-8 only, so the decoder's state stays clean.
+            end = reinterpret_cast<char16_t*>(utf8Decoder.appendToBuffer(
+                reinterpret_cast<QChar*>(end), QByteArrayView(utf8 + ascii, length - ascii)));
+            if (blank)
+                std::replace_if(out + ascii, end, isControl, u' ');
+        }
+        return end;
+    }
+
+    // The element's names and values go straight into the attribute list's
+    // buffer, measured first so that it is made large enough once.
+    void readAttributes(const XML_Char** atts)
+    {
+        attributes.clear();
+        lengths.clear();
+        qsizetype total = 0;
+        for (const XML_Char** at = atts; *at; ++at)
+            total += lengths.emplace_back(qsizetype(std::strlen(*at)));
+        char16_t* out = attributes.reserve(total);
+        for (std::size_t i = 0; atts[i]; i += 2) {
+            char16_t* const name = out;
+            char16_t* const value = decode(atts[i], lengths[i], name, false);
+            out = decode(atts[i + 1], lengths[i + 1], value, blankControls);
+            attributes.add(name, value, out);
+        }
+    }
+
+    static void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char** atts)
+    {
+        auto* d = static_cast<Private*>(data);
+        d->guarded([d, name, atts] {
+            d->readAttributes(atts);
+            const NameCache::Name& element = d->elementNames.find(name);
+            if (!d->handler.startElement(d->noNamespace, element.local, element.qualified, d->attributes))
+                d->stop();
+        });
+    }
+
+    static void XMLCALL onEnd(void* data, const XML_Char* name)
+    {
+        auto* d = static_cast<Private*>(data);
+        d->guarded([d, name] {
+            const NameCache::Name& element = d->elementNames.find(name);
+            if (!d->handler.endElement(d->noNamespace, element.local, element.qualified))
+                d->stop();
+        });
+    }
+
+    // Single-byte encodings that expat does not know itself are mapped byte
+    // by byte through Qt's named decoders.
+    static int XMLCALL onUnknownEncoding(void*, const XML_Char* name, XML_Encoding* info)
+    {
+        QStringDecoder decoder(name, QStringDecoder::Flag::Stateless);
+        if (!decoder.isValid())
+            return XML_STATUS_ERROR;
+        for (int byte = 0; byte < 256; ++byte) {
+            const char c = char(byte);
+            const QString decoded = decoder.decode(QByteArrayView(&c, 1));
+            const bool single = decoded.size() == 1 && decoded[0] != QChar::ReplacementCharacter;
+            info->map[byte] = single ? decoded[0].unicode() : -1;
+        }
+        info->data = nullptr;
+        info->convert = nullptr;
+        info->release = nullptr;
+        return XML_STATUS_OK;
+    }
+
+    XmlContentHandler& handler;
+    QByteArray chosenEncoding;
+    QByteArray usedEncoding;
+    bool blankControls = false;
+
+    XML_Parser parser = nullptr;
+    XmlAttributes attributes;
+    std::vector<qsizetype> lengths;
+    NameCache elementNames;
+    QStringDecoder utf8Decoder{QStringDecoder::Utf8};
+    const QString noNamespace;
+
+    bool stopped = false;
+    std::exception_ptr exception;
+    qint64 faultOffset = -1;
+    qint64 faultLine = -1;
+};
+
+XmlReader::XmlReader(XmlContentHandler& handler)
+    : d(std::make_unique<Private>(handler))
+{
+}
+
+XmlReader::~XmlReader() = default;
+
+void XmlReader::setUndeclaredEncoding(const QByteArray& name)
+{
+    d->chosenEncoding = name;
+}
+
+void XmlReader::setBlankControlCharacters(bool blank)
+{
+    d->blankControls = blank;
+}
+
+qint64 XmlReader::faultOffset() const
+{
+    return d->faultOffset;
+}
+
+qint64 XmlReader::faultLine() const
+{
+    return d->faultLine;
+}
+
+QByteArray XmlReader::undeclaredEncoding() const
+{
+    return d->usedEncoding;
+}
+
+bool XmlReader::parse(QIODevice* input)
+{
+    d->stopped = false;
+    d->exception = nullptr;
+    d->faultOffset = -1;
+    d->faultLine = -1;
+    if (!d->handler.startDocument())
+        return false;
+    if (!input || !input->isReadable())
+        return false;
+
+    if (encodingIsStated(input->peek(1024)))
+        d->usedEncoding.clear();
+    else
+        d->usedEncoding = d->chosenEncoding.isEmpty() ? encodingOfUnstated(input) : d->chosenEncoding;
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
+        XML_ParserCreate(d->usedEncoding.isEmpty() ? nullptr : d->usedEncoding.constData()),
+        &XML_ParserFree);
+    if (!parser)
+        return false;
+    d->parser = parser.get();
+    XML_SetUserData(d->parser, d.get());
+    XML_SetElementHandler(d->parser, &Private::onStart, &Private::onEnd);
+    XML_SetUnknownEncodingHandler(d->parser, &Private::onUnknownEncoding, nullptr);
+
+    qint64 taken = 0;
+    for (;;) {
+        void* buffer = XML_GetBuffer(d->parser, int(chunkSize));
+        const qint64 got = buffer ? input->read(static_cast<char*>(buffer), chunkSize) : 0;
+        const bool last = got <= 0;
+        const XML_Status status = buffer ? XML_ParseBuffer(d->parser, int(qMax<qint64>(got, 0)), last)
+                                         : XML_STATUS_ERROR;
+        if (d->exception)
+            std::rethrow_exception(d->exception);
+        if (d->stopped)
+            return false;
+        if (status != XML_STATUS_OK) {
+            d->faultOffset = XML_GetCurrentByteIndex(d->parser);
+            d->faultLine = qint64(XML_GetCurrentLineNumber(d->parser));
+            if (!buffer || XML_GetErrorCode(d->parser) == XML_ERROR_NO_MEMORY) {
+                printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
+                                 ": out of memory"});
+            }
+            return false;
+        }
+        if (last)
+            break;
+        taken += got;
+        // Between two reads the parser's place is the start of what it
+        // holds back: one unfinished piece of markup (or, when the read
+        // ended between two, the last one it finished).
+        const qint64 place = XML_GetCurrentByteIndex(d->parser);
+        if (place >= 0 && taken - place > largestMarkup) {
+            d->faultOffset = place;
+            d->faultLine = qint64(XML_GetCurrentLineNumber(d->parser));
+            printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
+                             ": a start tag or other markup there is larger than the limit of ",
+                             QByteArray::number(largestMarkup >> 20), " MiB"});
+            return false;
+        }
+    }
+    d->parser = nullptr;
+    return d->handler.endDocument();
+}
+
+bool parseXml(QIODevice* input, XmlContentHandler& handler)
+{
+    return XmlReader(handler).parse(input);
+}

@@ -1,0 +1,8 @@
+// Feeds arbitrary bytes to the "xml" configuration reader and the lookup.
+#include "fuzz_lookups.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    readAndLookUp(data, size, "xml");
+    return 0;
+}

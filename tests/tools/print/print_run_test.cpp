@@ -1,0 +1,136 @@
+// The print run as a process, where a golden file cannot show what matters:
+// a closed standard output, the request named twice, memory running out.
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using testsupport::readBytes;
+using testsupport::writeBytes;
+
+extern char** environ;
+
+namespace {
+
+const QByteArray request = R"(<?xml version="1.0" encoding="UTF-8"?>
+<receipt>
+  <method name="printFullOrderReceipt"/>
+  <receipe number="2" name="Pizza Margherita" price="7.50" totalPrice="15.00"/>
+  <total price="15.00"/>
+</receipt>
+)";
+
+class PrintRun : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(work.isValid());
+        requestPath = work.filePath(u"request.xml"_s);
+        printPath = work.filePath(u"print.txt"_s);
+        ASSERT_TRUE(writeBytes(requestPath, request.toStdString()));
+    }
+
+    // Runs the program with HOME pointing at the (empty) work folder.
+    QProcess& run(const QStringList& arguments, const QStringList& environment = {})
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(u"HOME"_s, work.path());
+        for (const QString& setting : environment)
+            env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(ZENTARO_PRINT), arguments);
+        process.waitForFinished(60000);
+        return process;
+    }
+
+    QTemporaryDir work;
+    QString requestPath;
+    QString printPath;
+    QProcess process;
+};
+
+// The missing configuration is reported before the print file is made: a
+// reader of the diagnostics that has gone away must not end the run there.
+TEST_F(PrintRun, ClosedStandardOutputDoesNotEndTheRun)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    const QByteArray program = ZENTARO_PRINT, in = requestPath.toLocal8Bit(), out = printPath.toLocal8Bit();
+    const QByteArray home = "HOME=" + work.path().toLocal8Bit();
+    char* argv[] = {const_cast<char*>(program.constData()), const_cast<char*>(in.constData()),
+                    const_cast<char*>(out.constData()), nullptr};
+    char* envp[] = {const_cast<char*>(home.constData()), nullptr};
+    pid_t pid = 0;
+    ASSERT_EQ(posix_spawn(&pid, program.constData(), &actions, nullptr, argv, envp), 0);
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_TRUE(readBytes(printPath).contains("Pizza Margherita"));
+}
+
+TEST_F(PrintRun, TheRequestIsNeverItsOwnPrintFile)
+{
+    const QString link = work.filePath(u"link.xml"_s);
+    ASSERT_TRUE(QFile::link(requestPath, link));
+    for (const QString& output : {requestPath, link}) {
+        QProcess& done = run({requestPath, output});
+        EXPECT_EQ(done.exitCode(), 0);
+        EXPECT_TRUE(done.readAllStandardOutput().endsWith(
+            "The output file is the input file, nothing was written: " + output.toLocal8Bit() + "\n"));
+        EXPECT_EQ(readBytes(requestPath), request);
+    }
+}
+
+// Memory that runs out in the middle of a request keeps what was rendered
+// before. No allocation above a limit succeeds, and one item's name is
+// larger than that: in the reader's buffer (first case) or once it is text
+// (second case).
+TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
+{
+    struct Case { int nameKiB; int limitMiB; const char* message; };
+    const Case cases[] = {
+        {1200, 2, "XML input not read past line 5: out of memory\n"},
+        {1700, 3, "Out of memory: the print file ends with what was rendered before\n"},
+    };
+    for (const Case& c : cases) {
+        QByteArray large = request;
+        large.insert(large.indexOf("  <total"), "  <receipe number=\"1\" name=\"" + QByteArray(c.nameKiB * 1024, 'x')
+                                                      + "\" price=\"1\" totalPrice=\"1\"/>\n");
+        ASSERT_TRUE(writeBytes(requestPath, large.toStdString()));
+#ifdef ZENTARO_SANITIZED
+        const QStringList limit{u"ASAN_OPTIONS=allocator_may_return_null=1:detect_leaks=0:max_allocation_size_mb="_s
+                                + QString::number(c.limitMiB)};
+#else
+        const QStringList limit{u"LD_PRELOAD="_s + QStringLiteral(FAILING_MALLOC),
+                                u"FAIL_ALLOCATIONS_OVER="_s + QString::number(c.limitMiB << 20)};
+#endif
+        QProcess& done = run({requestPath, printPath}, limit);
+        EXPECT_EQ(done.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(done.exitCode(), 0);
+        EXPECT_EQ(done.readAllStandardOutput().toStdString(),
+                  "Error in the method FileReader::open( " + work.path().toStdString()
+                      + "/.zentaro/conf/zentaro.conf ): File Not Found\n" + c.message);
+        const QByteArray printed = readBytes(printPath);
+        EXPECT_TRUE(printed.contains("Pizza Margherita")) << c.nameKiB;
+        EXPECT_FALSE(printed.contains("xxxx")) << c.nameKiB;
+    }
+}
+
+} // namespace

@@ -1,0 +1,239 @@
+#include "hlibrary.h"
+#include "testsupport.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using testsupport::numberedLines;
+using testsupport::readBytes;
+using testsupport::writeBytes;
+
+namespace {
+
+// Answers every paper prompt as soon as it shows, noting how far the copy
+// had come: the size of the destination at that moment.
+class PromptAnswerer
+{
+public:
+    explicit PromptAnswerer(const QString& destination)
+        : destination(destination)
+    {
+        QObject::connect(&timer, &QTimer::timeout, [this] { answer(); });
+        timer.start(5);
+    }
+
+    std::vector<qint64> sizesAtPrompts;
+    QString caption, text;
+
+private:
+    void answer()
+    {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        sizesAtPrompts.push_back(QFileInfo(destination).size());
+        caption = box->windowTitle();
+        text = box->text();
+        box->accept();
+    }
+
+    QString destination;
+    QTimer timer;
+};
+
+class CopyTest : public testing::Test
+{
+protected:
+    QString path(const char* name) const { return dir.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir dir;
+    const QString source = path("print.txt");
+    const QString destination = path("lp0");
+};
+
+struct SheetCase
+{
+    const char* name;
+    int lines;
+    unsigned linesPerSheet;
+    std::vector<qint64> linesAtPrompts;
+};
+
+void PrintTo(const SheetCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
+
+class CopyBySheet : public CopyTest, public testing::WithParamInterface<SheetCase>
+{
+};
+
+TEST_P(CopyBySheet, AsksForPaperWhenASheetIsFull)
+{
+    const QByteArray content = numberedLines(GetParam().lines);
+    ASSERT_TRUE(writeBytes(source, content.toStdString()));
+    PromptAnswerer answerer(destination);
+
+    EXPECT_TRUE(HLibrary::copy(source, destination, GetParam().linesPerSheet, 0u));
+    EXPECT_EQ(readBytes(destination), content);
+    std::vector<qint64> linesAtPrompts;
+    for (qint64 size : answerer.sizesAtPrompts)
+        linesAtPrompts.push_back(size / 11);
+    EXPECT_EQ(linesAtPrompts, GetParam().linesAtPrompts);
+}
+
+// The first sheet takes one line more than the others.
+INSTANTIATE_TEST_SUITE_P(HLibrary, CopyBySheet,
+                         testing::Values(SheetCase{"seven_lines_by_three", 7, 3, {4, 7}},
+                                         SheetCase{"six_lines_by_three", 6, 3, {4}},
+                                         SheetCase{"four_lines_by_three", 4, 3, {4}},
+                                         SheetCase{"three_lines_by_three", 3, 3, {}},
+                                         SheetCase{"three_lines_by_one", 3, 1, {2, 3}},
+                                         SheetCase{"never_asks", 25, 0, {}},
+                                         SheetCase{"empty_file", 0, 1, {}}));
+
+TEST_F(CopyTest, PromptSpeaksTheCatalogueLabels)
+{
+    ASSERT_TRUE(writeBytes(source, numberedLines(3).toStdString()));
+    PromptAnswerer answerer(destination);
+    EXPECT_TRUE(HLibrary::copy(source, destination, 1u, 0u));
+    EXPECT_EQ(answerer.caption, u"PaperWindow"_s);
+    EXPECT_EQ(answerer.text, u"Insert a new sheet"_s);
+}
+
+TEST_F(CopyTest, LongLinesAreReadIn127BytePieces)
+{
+    const QByteArray line = QByteArray(300, 'x') + '\n';
+    ASSERT_TRUE(writeBytes(source, (line + "end\n").toStdString()));
+    PromptAnswerer answerer(destination);
+    // Pieces of 127, 127, 47 and 4 bytes: prompts after the second, third
+    // and fourth.
+    EXPECT_TRUE(HLibrary::copy(source, destination, 1u, 0u));
+    EXPECT_EQ(answerer.sizesAtPrompts, (std::vector<qint64>{254, 301, 305}));
+    EXPECT_EQ(readBytes(destination), line + "end\n");
+}
+
+TEST_F(CopyTest, BytesGoAcrossUnchanged)
+{
+    const std::string bytes("\x1b@\x1b!\x08\"TOTAL\"@\r\n\xe9\xff\0tail", 21);
+    ASSERT_TRUE(writeBytes(source, bytes));
+    EXPECT_TRUE(HLibrary::copy(source, destination, 0u, 0u));
+    EXPECT_EQ(readBytes(destination).toStdString(), bytes);
+}
+
+TEST_F(CopyTest, NumbersAsText)
+{
+    ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
+    {
+        PromptAnswerer answerer(destination);
+        EXPECT_TRUE(HLibrary::copy(source, destination, u"3"_s, u"0"_s));
+        EXPECT_EQ(answerer.sizesAtPrompts, (std::vector<qint64>{44, 77}));
+    }
+    {
+        // Text that is not a number counts as 0: no prompt, no pause.
+        PromptAnswerer answerer(destination);
+        EXPECT_TRUE(HLibrary::copy(source, destination, u"three"_s, u"-5"_s));
+        EXPECT_TRUE(answerer.sizesAtPrompts.empty());
+    }
+}
+
+TEST_F(CopyTest, PausesAfterEveryLine)
+{
+    ASSERT_TRUE(writeBytes(source, numberedLines(4).toStdString()));
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(HLibrary::copy(source, destination, 0u, 50u));
+    EXPECT_GE(timer.elapsed(), 4 * 50);
+}
+
+TEST_F(CopyTest, FilesThatCannotBeOpened)
+{
+    ASSERT_TRUE(writeBytes(source, "line\n"));
+    ASSERT_TRUE(writeBytes(destination, "kept\n"));
+    EXPECT_FALSE(HLibrary::copy(path("missing"), destination, 0u, 0u));
+    EXPECT_FALSE(HLibrary::copy(path("missing"), destination, 3u, 0u, 0u));
+    EXPECT_EQ(readBytes(destination), "kept\n"); // the source is opened first
+    EXPECT_FALSE(HLibrary::copy(source, path("no/such/folder/lp0"), 0u, 0u));
+    EXPECT_FALSE(HLibrary::copy(source, path("no/such/folder/lp0"), 3u, 0u, 0u));
+    EXPECT_FALSE(HLibrary::copy(source, dir.path(), 0u, 0u));
+}
+
+TEST_F(CopyTest, DestinationThatStopsTakingDataFails)
+{
+    ASSERT_TRUE(writeBytes(source, numberedLines(3).toStdString()));
+    if (!QFileInfo::exists(u"/dev/full"_s))
+        GTEST_SKIP() << "no /dev/full";
+    EXPECT_FALSE(HLibrary::copy(source, u"/dev/full"_s, 0u, 0u));
+    EXPECT_FALSE(HLibrary::copy(source, u"/dev/full"_s, 2u, 0u, 0u));
+}
+
+struct PageCase
+{
+    const char* name;
+    unsigned linesPerPage;
+    unsigned page;
+    bool sent;
+    int firstLine; // of the seven in the file
+    int lines;
+};
+
+void PrintTo(const PageCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
+
+class CopyPage : public CopyTest, public testing::WithParamInterface<PageCase>
+{
+};
+
+TEST_P(CopyPage, SendsOnePage)
+{
+    const QByteArray content = numberedLines(7);
+    ASSERT_TRUE(writeBytes(source, content.toStdString()));
+    ASSERT_TRUE(writeBytes(destination, "old"));
+    PromptAnswerer answerer(destination);
+
+    EXPECT_EQ(HLibrary::copy(source, destination, GetParam().linesPerPage, 0u, GetParam().page), GetParam().sent);
+    EXPECT_EQ(readBytes(destination), content.mid(GetParam().firstLine * 11, GetParam().lines * 11));
+    EXPECT_TRUE(answerer.sizesAtPrompts.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(HLibrary, CopyPage,
+                         testing::Values(PageCase{"first", 3, 0, true, 0, 3}, PageCase{"second", 3, 1, true, 3, 3},
+                                         PageCase{"last_short", 3, 2, true, 6, 1},
+                                         PageCase{"past_the_end", 3, 3, false, 0, 0},
+                                         PageCase{"ends_with_the_skipped_lines", 7, 1, false, 0, 0},
+                                         PageCase{"whole_file_by_zero_lines", 0, 5, true, 0, 7},
+                                         PageCase{"one_line_pages", 1, 6, true, 6, 1}));
+
+TEST_F(CopyTest, PageOfAnEmptyFile)
+{
+    ASSERT_TRUE(writeBytes(source, ""));
+    EXPECT_TRUE(HLibrary::copy(source, destination, 3u, 0u, 0u));
+    EXPECT_FALSE(HLibrary::copy(source, destination, 3u, 0u, 1u));
+    EXPECT_EQ(readBytes(destination), "");
+}
+
+TEST_F(CopyTest, PagePausesBetweenItsLinesOnly)
+{
+    ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
+    QElapsedTimer timer;
+    timer.start();
+    // Three lines, two pauses: none after the last line of the page.
+    EXPECT_TRUE(HLibrary::copy(source, destination, 3u, 300u, 1u));
+    const qint64 elapsed = timer.elapsed();
+    EXPECT_GE(elapsed, 600);
+    EXPECT_LT(elapsed, 900);
+}
+
+} // namespace
