@@ -138,7 +138,7 @@ void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     if (indent)
         line.resize(line.size() + qsizetype(indent), u' ');
-    line.append(withoutReservedWord(text));
+    line.append(printable(withoutReservedWord(text)));
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
@@ -146,10 +146,9 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
     if (justify == "center"_L1) {
         print(indent, text);
         line.append(lineClose);
-        if (line.size() <= longestCentredLine) {
-            const qsizetype pad = (longestCentredLine - line.size()) / 2;
-            line.insert(1, QString(pad, u' '));
-        }
+        const qsizetype length = printedLength(line);
+        if (length <= longestCentredLine)
+            line.insert(1, QString((longestCentredLine - length) / 2, u' '));
         write(line);
     } else {
         // A left-aligned line needs no measuring: its pieces go out as they
@@ -158,7 +157,7 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
         for (; indent > unsigned(blanks.size()); indent -= unsigned(blanks.size()))
             write(blanks);
         write(blanks.first(indent));
-        write(withoutReservedWord(text));
+        write(printable(withoutReservedWord(text)));
         write(lineClose);
     }
     line = quote;
@@ -172,7 +171,7 @@ void CompanyPrinterDriver::println(const QString& text)
 void CompanyPrinterDriver::writeFiscalItem(const QString& department, const QString& quantity,
                                            const QString& description, const QString& price)
 {
-    write(u'"' + description + u'"' + quantity + u'*' + commaDecimal(price) + u'H' + department);
+    write(printable(u'"' + description + u'"' + quantity + u'*' + commaDecimal(price) + u'H' + department));
 }
 
 void CompanyPrinterDriver::printRowFiscal(const QString& department, const QString& quantity,

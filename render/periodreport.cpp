@@ -44,23 +44,12 @@ public:
 private:
     QString dots(const char* label) const
     {
-        return PrinterDriver::tr(label).leftJustified(valueColumn, u'.');
+        return driver.justified(PrinterDriver::tr(label), valueColumn, u'.', Qt::AlignLeft);
     }
 
     PrinterDriver& driver;
     int valueColumn;
 };
-
-// The columns of the tax-rate table, and the cancelled documents' columns.
-QString taxColumn(QStringView text)
-{
-    return text.toString().rightJustified(10, u' ');
-}
-
-QString cancelledColumn(QStringView text, int width)
-{
-    return text.toString().leftJustified(width, u' ');
-}
 
 } // namespace
 
@@ -70,6 +59,13 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
         return;
 
     ReportWriter report(*this, settings.paperWidth);
+    // The columns of the tax-rate table, and of the cancelled documents.
+    const auto taxColumn = [this](QStringView text, int width = 10) {
+        return justified(text, width, u' ', Qt::AlignRight);
+    };
+    const auto cancelledColumn = [this](QStringView text, int width) {
+        return justified(text, width, u' ', Qt::AlignLeft);
+    };
     const auto value = [&atts](const char* name) { return atts.value(QLatin1StringView(name)); };
     if (isName(qName, "date"_L1)) {
         setBold();
@@ -99,12 +95,12 @@ void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
         report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
         println(QString());
         printSeparatorLine();
-        println(tr("TAXRATE").rightJustified(6, u' ') + u' ' + taxColumn(tr("TAXABLE")) + u' '
+        println(taxColumn(tr("TAXRATE"), 6) + u' ' + taxColumn(tr("TAXABLE")) + u' '
                 + taxColumn(tr("TAX")) + u' ' + taxColumn(tr("AMOUNT")));
     } else if (isName(qName, "taxrate_item"_L1)) {
         // The row differs from its heading on purpose: "% " after the rate
         // and one trailing blank.
-        println(value("taxrate").toString().rightJustified(6, u' ') + "% "_L1
+        println(taxColumn(value("taxrate"), 6) + "% "_L1
                 + taxColumn(value("taxable")) + u' ' + taxColumn(value("tax")) + u' '
                 + taxColumn(value("amount")) + u' ');
     } else if (isName(qName, "invoicessummary"_L1)) {

@@ -97,8 +97,16 @@ PrinterDriver::~PrinterDriver()
 
 void PrinterDriver::openStream(QIODevice::OpenMode mode)
 {
+    // Until a document names its printer's code page, text is written in
+    // the locale's.
+    codePages.push_back(std::make_unique<CodePage>());
+    codePage = codePages.back().get();
+    if (!codePage->isValid()) {
+        codePages.back() = std::make_unique<CodePage>("UTF-8"_ba);
+        codePage = codePages.back().get();
+    }
     if (file->isOpen() || file->open(mode)) {
-        stream = std::make_unique<TextOutput>(file.get());
+        stream = std::make_unique<TextOutput>(file.get(), *codePage);
     } else {
         printDiagnostic({"PrintManager::printAbstractOrder(...): Unable To Open File"});
     }
@@ -218,6 +226,61 @@ void PrinterDriver::loadValues(const QString& type)
     settings.printWaiter = flag("printWaiter");
     settings.printNote = flag("printNote");
     settings.openCashDrawer = flag("openCashDrawer");
+    chooseCodePage();
+}
+
+void PrinterDriver::chooseCodePage()
+{
+    const QString key = docPath + "codePage"_L1;
+    const QByteArray name = config->getStrValue(key).trimmed().toLatin1();
+    CodePage* chosen = codePages.front().get(); // the locale's
+    if (!name.isEmpty()) {
+        const auto known = std::find_if(codePages.begin() + 1, codePages.end(),
+                                        [&name](const auto& page) { return page->name() == name; });
+        if (known != codePages.end()) {
+            chosen = known->get();
+        } else if (auto page = std::make_unique<CodePage>(name); page->isValid()) {
+            chosen = codePages.emplace_back(std::move(page)).get();
+        } else {
+            printDiagnostic({"Unknown code page \"", name, "\" in ", key.toLatin1(),
+                             ": the print file is written in ", chosen->name()});
+        }
+    }
+    codePage = chosen;
+    if (stream)
+        stream->setCodePage(*codePage);
+}
+
+QString PrinterDriver::printable(QStringView text) const
+{
+    return codePage->printable(text);
+}
+
+QString PrinterDriver::printable(const QString& text) const
+{
+    return codePage->printable(text);
+}
+
+QString PrinterDriver::justified(QStringView text, int width, QChar fill, Qt::Alignment alignment) const
+{
+    const QString printed = printable(text);
+    const qsizetype padding = qMax<qsizetype>(0, width - printedLength(printed));
+    if (padding == 0)
+        return printed;
+    const QString pad(padding, fill);
+    return alignment & Qt::AlignRight ? pad + printed : printed + pad;
+}
+
+QByteArray PrinterDriver::replacementSummary() const
+{
+    QByteArrayList counts;
+    for (const auto& page : codePages) {
+        if (page->replacements() > 0)
+            counts << QByteArray::number(page->replacements()) + " in " + page->name();
+    }
+    if (counts.isEmpty())
+        return {};
+    return "Characters the printer lacks were printed as their closest text: " + counts.join(", ");
 }
 
 bool PrinterDriver::startElement(const QString&, const QString&, const QString& qName,

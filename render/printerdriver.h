@@ -1,13 +1,15 @@
 #pragma once
 
-#include "xmlreader.h"
+#include "codepage.h"
 #include "textoutput.h"
+#include "xmlreader.h"
 
 #include <QCoreApplication>
 #include <QIODevice>
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 class ZTConfiguration;
 
@@ -138,6 +140,16 @@ public:
     // Whether the document in force is printed by the fiscal printer.
     bool isFiscal() const;
 
+    // Text as the printer of the document in force prints it (see CodePage).
+    QString printable(QStringView text) const;
+    QString printable(const QString& text) const;
+    const CodePage& codePageInForce() const { return *codePage; }
+    // Text made printable and padded to `width` printed characters, with
+    // `fill` after it (left-aligned) or before it (right-aligned); never cut.
+    QString justified(QStringView text, int width, QChar fill, Qt::Alignment alignment) const;
+    // One line for the end of the run when characters had to be replaced,
+    // else empty.
+    QByteArray replacementSummary() const;
 protected:
     int boundedSetting(QLatin1StringView keyWord) const;
     void labelLine(const QString& label, QStringView text);
@@ -164,6 +176,12 @@ protected:
 
 private:
     void openStream(QIODevice::OpenMode mode);
+    void chooseCodePage();
+
+    // The code pages of the run: the locale's, and those the documents name,
+    // each kept for its count of replaced characters.
+    std::vector<std::unique_ptr<CodePage>> codePages;
+    CodePage* codePage = nullptr;
 
     // The storage of the last row built, reused by the next: the row a
     // caller prints is gone by then.

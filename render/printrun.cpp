@@ -59,6 +59,8 @@ void render(const char* requestPath, const char* printPath, const ZTConfiguratio
         // What was rendered so far is kept: the driver writes it on its way out.
         printDiagnostic({"Out of memory: the print file ends with what was rendered before"});
     }
+    if (const QByteArray summary = driver.replacementSummary(); !summary.isEmpty())
+        printDiagnostic({summary});
 }
 
 } // namespace

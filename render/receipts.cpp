@@ -110,9 +110,10 @@ void PrinterDriver::printFullOrderFiscal(const QString& qName, const XmlAttribut
         descriptionWidth = int(getPaperWidth());
 
     if (isName(qName, "receipe"_L1)) {
-        const QStringView name = atts.value("name"_L1);
+        // The name is cut as the printer prints it: by characters, never inside one.
+        const QString name = printable(atts.value("name"_L1));
         printRowFiscal(atts.value("department"_L1).toString(), atts.value("number"_L1).toString(),
-                       (descriptionWidth < 0 ? name : name.left(descriptionWidth)).toString(),
+                       descriptionWidth < 0 ? name : printedLeft(name, descriptionWidth).toString(),
                        atts.value("price"_L1).toString());
     } else if (isName(qName, "total"_L1)) {
         // The payment form writes only for "totals", so a fiscal receipt

@@ -5,16 +5,18 @@
 #include "emptytext.h"
 
 #include <algorithm>
+#include <array>
 
 using namespace RowLayout;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// One column of a row and how its text meets its width. Padding never cuts;
-// only the description column is cut, to exactly its width. A negative
-// description width (columns wider than the paper) leaves the description
-// whole, as an unsigned count would.
+// One column of a row and how its text meets its width, in printed
+// characters. Padding never cuts; only the description column is cut, to
+// exactly its width, and never inside a character. A negative description
+// width (columns wider than the paper) leaves the description whole, as an
+// unsigned count would.
 struct Column
 {
     enum Justify { Plain, Right, Left, Description };
@@ -23,26 +25,21 @@ struct Column
     Justify justify = Plain;
     int width = 0;
     QChar fill = blank;
+    // Whether every UTF-16 unit of the text is one printed character, so
+    // that sizes need not be counted.
+    bool unitsArePrinted = true;
 
-    qsizetype length() const
+    QStringView shown() const
     {
-        if (justify == Plain || width < 0)
-            return text.size();
-        if (justify == Description)
-            return width;
-        return qMax<qsizetype>(width, text.size());
+        if (justify != Description || width < 0)
+            return text;
+        return unitsArePrinted ? text.first(qMin<qsizetype>(width, text.size())) : printedLeft(text, width);
     }
-
-    char16_t* write(char16_t* out) const
+    qsizetype padding(QStringView shownText) const
     {
-        const qsizetype padding = length() - qMin(text.size(), length());
-        const qsizetype shown = length() - padding;
-        if (justify == Right)
-            out = std::fill_n(out, padding, fill.unicode());
-        out = std::copy_n(text.utf16(), shown, out);
-        if (justify != Right)
-            out = std::fill_n(out, padding, fill.unicode());
-        return out;
+        if (justify == Plain)
+            return 0;
+        return qMax<qsizetype>(0, width - (unitsArePrinted ? shownText.size() : printedLength(shownText)));
     }
 };
 
@@ -50,13 +47,26 @@ struct Column
 // storage serves row after row: a long document builds one row per item.
 const QString& joinColumns(QString& row, std::initializer_list<Column> columns)
 {
+    struct Laid { QStringView shown; qsizetype padding; };
+    std::array<Laid, 8> laid;
     qsizetype length = 0;
-    for (const Column& column : columns)
-        length += column.length();
+    std::size_t count = 0;
+    for (const Column& column : columns) {
+        const QStringView shown = column.shown();
+        laid[count] = {shown, column.padding(shown)};
+        length += shown.size() + laid[count++].padding;
+    }
     row.resize(length);
     char16_t* out = reinterpret_cast<char16_t*>(row.data());
-    for (const Column& column : columns)
-        out = column.write(out);
+    count = 0;
+    for (const Column& column : columns) {
+        const auto [shown, padding] = laid[count++];
+        if (column.justify == Column::Right)
+            out = std::fill_n(out, padding, column.fill.unicode());
+        out = std::copy_n(shown.utf16(), shown.size(), out);
+        if (column.justify != Column::Right)
+            out = std::fill_n(out, padding, column.fill.unicode());
+    }
     return row;
 }
 
@@ -75,30 +85,55 @@ QString PrinterDriver::descriptionRow(QStringView a1, QStringView a2, QStringVie
     const int w = settings.paperWidth;
     using C = Column;
 
+    // Columns are laid out on the text as the printer will print it. Only
+    // text composed for a page that encodes everything can hold characters
+    // of two UTF-16 units; every other text is counted by its size.
+    QString printed1, printed2, printed3, printed4;
+    bool plain = true;
+    const auto ready = [this, &plain](QStringView text, QString& storage) {
+        if (!codePageInForce().needsPreparing(text))
+            return text;
+        storage = printable(text);
+        plain = plain && !codePageInForce().encodesEverything();
+        return QStringView(storage);
+    };
+    a1 = ready(a1, printed1);
+    a2 = ready(a2, printed2);
+    a3 = ready(a3, printed3);
+    a4 = ready(a4, printed4);
+
+    const auto column = [plain](QStringView text, C::Justify justify, int width, QChar fill = blank) {
+        return C{text, justify, width, fill, plain};
+    };
     if (layout == qdpt) {
-        return joinColumns(rowBuffer, {{a1, C::Right, q}, {oneBlank}, {a2, C::Description, w - q - p - t - 1, fill},
-                            {a3, C::Right, p, fill}, {a4, C::Right, t}});
+        return joinColumns(rowBuffer, {column(a1, C::Right, q), {oneBlank},
+                                       column(a2, C::Description, w - q - p - t - 1, fill),
+                                       column(a3, C::Right, p, fill), column(a4, C::Right, t)});
     }
     if (layout == qxdpt) {
         // " x " after the quantity makes the description two characters
         // narrower than in "qdpt".
-        return joinColumns(rowBuffer, {{a1, C::Right, q}, {times}, {a2, C::Description, w - q - p - t - 3, fill},
-                            {a3, C::Right, p, fill}, {a4, C::Right, t}});
+        return joinColumns(rowBuffer, {column(a1, C::Right, q), {times},
+                                       column(a2, C::Description, w - q - p - t - 3, fill),
+                                       column(a3, C::Right, p, fill), column(a4, C::Right, t)});
     }
     if (layout == qxdtDoubleLine) {
-        return joinColumns(rowBuffer, {{a1}, {times}, {a3}, {lineFeed}, {a2, C::Description, w - t, fill},
-                            {a4, C::Right, t, fill}});
+        return joinColumns(rowBuffer, {{a1}, {times}, {a3}, {lineFeed}, column(a2, C::Description, w - t, fill),
+                                       column(a4, C::Right, t, fill)});
     }
-    if (layout == qxd)
-        return joinColumns(rowBuffer, {{a1, C::Right, q}, {times}, {a2, C::Description, w - q - 3, fill}});
+    if (layout == qxd) {
+        return joinColumns(rowBuffer,
+                           {column(a1, C::Right, q), {times}, column(a2, C::Description, w - q - 3, fill)});
+    }
     if (layout == qd) {
         // Three characters are reserved for a one-character separator, so the
         // line ends two characters short of the paper.
-        return joinColumns(rowBuffer, {{a1, C::Right, q}, {oneBlank}, {a2, C::Description, w - q - 3}});
+        return joinColumns(rowBuffer,
+                           {column(a1, C::Right, q), {oneBlank}, column(a2, C::Description, w - q - 3)});
     }
     if (layout == dateAmountType) {
-        return joinColumns(rowBuffer, {{a1, C::Left, 15}, {a2, C::Description, w - 15 - p - 3, fill},
-                            {a3, C::Right, p, fill}});
+        return joinColumns(rowBuffer, {column(a1, C::Left, 15), column(a2, C::Description, w - 15 - p - 3, fill),
+                                       column(a3, C::Right, p, fill)});
     }
     return emptyText();
 }

@@ -1,10 +1,19 @@
 #include "textoutput.h"
 
+#include "codepage.h"
+
 #include <QIODevice>
 
-TextOutput::TextOutput(QIODevice* device)
-    : device(device), encoder(QStringConverter::System), buffer(new char[bufferSize])
+TextOutput::TextOutput(QIODevice* device, const CodePage& codePage)
+    : device(device), buffer(new char[bufferSize])
 {
+    setCodePage(codePage);
+}
+
+void TextOutput::setCodePage(const CodePage& codePage)
+{
+    encoder = codePage.encoder();
+    asciiAsItself = codePage.writesAsciiAsItself();
 }
 
 TextOutput::~TextOutput()
@@ -13,11 +22,11 @@ TextOutput::~TextOutput()
 }
 
 // Text that may not fit what is left of the buffer: the buffer is emptied
-// first, and text longer than a third of it goes in pieces.
+// first, and text longer than a quarter of it goes in pieces.
 void TextOutput::encodeLong(QStringView text)
 {
     flush();
-    constexpr qsizetype piece = bufferSize / 3;
+    constexpr qsizetype piece = bufferSize / 4;
     while (text.size() > piece) {
         // A piece never ends inside a surrogate pair.
         const qsizetype cut = QChar::isHighSurrogate(text[piece - 1].unicode()) ? piece - 1 : piece;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 
+class CodePage;
 class QIODevice;
 
 // The text stream on the print file: text is encoded straight into one
@@ -16,7 +17,7 @@ class QIODevice;
 class TextOutput
 {
 public:
-    explicit TextOutput(QIODevice* device);
+    TextOutput(QIODevice* device, const CodePage& codePage);
     ~TextOutput();
 
     TextOutput(const TextOutput&) = delete;
@@ -24,14 +25,16 @@ public:
 
     TextOutput& operator<<(QStringView text)
     {
-        // Three bytes are the most one UTF-16 unit becomes.
-        if (text.size() <= (bufferSize - used) / 3)
+        // Four bytes are the most one UTF-16 unit becomes.
+        if (text.size() <= (bufferSize - used) / 4)
             encode(text);
         else
             encodeLong(text);
         return *this;
     }
     void flush();
+    // Text from here on is written in this code page.
+    void setCodePage(const CodePage& codePage);
 
 private:
     static constexpr qsizetype bufferSize = 64 * 1024;
@@ -41,18 +44,20 @@ private:
         char* out = buffer.get() + used;
         const char16_t* in = text.utf16();
         const char16_t* const end = in + text.size();
-        // The encodings of the print file all write ASCII as itself: it is
-        // copied four characters at a time where it can.
-        for (; end - in >= 4; in += 4, out += 4) {
-            quint64 units;
-            std::memcpy(&units, in, 8);
-            if (units & 0xff80ff80ff80ff80ull)
-                break;
-            for (int k = 0; k < 4; ++k)
-                out[k] = char(in[k]);
+        // Printers' code pages write ASCII as itself: it is copied four
+        // characters at a time where it can.
+        if (asciiAsItself) {
+            for (; end - in >= 4; in += 4, out += 4) {
+                quint64 units;
+                std::memcpy(&units, in, 8);
+                if (units & 0xff80ff80ff80ff80ull)
+                    break;
+                for (int k = 0; k < 4; ++k)
+                    out[k] = char(in[k]);
+            }
+            while (in != end && *in < 0x80)
+                *out++ = char(*in++);
         }
-        while (in != end && *in < 0x80)
-            *out++ = char(*in++);
         if (in != end)
             out = encoder.appendToBuffer(out, QStringView(in, end));
         used = out - buffer.get();
@@ -61,6 +66,7 @@ private:
 
     QIODevice* device;
     QStringEncoder encoder;
+    bool asciiAsItself = true;
     std::unique_ptr<char[]> buffer;
     qsizetype used = 0;
 };

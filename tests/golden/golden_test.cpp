@@ -100,6 +100,9 @@ TEST_P(Golden, PrintRun)
     QProcess run;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"HOME"_s, home);
+    // The print file is written in the locale's character set unless the
+    // configuration names a code page.
+    env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     const QString extraEnv = QString::fromUtf8(readBytes(dir.filePath(u"env"_s)));
     for (const QString& line : extraEnv.split(u'\n', Qt::SkipEmptyParts))
         env.insert(line.section(u'=', 0, 0), line.section(u'=', 1));

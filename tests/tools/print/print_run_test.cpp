@@ -133,4 +133,24 @@ TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
     }
 }
 
+// Without a code page in the configuration the print file is in the
+// locale's character set; the locale is compiled here when the system does
+// not have it.
+TEST_F(PrintRun, WritesTheLocalesCharacterSetByDefault)
+{
+    const QString locales = work.filePath(u"locales"_s);
+    ASSERT_TRUE(QDir().mkpath(locales));
+    QProcess::execute(u"localedef"_s, {u"-i"_s, u"it_IT"_s, u"-f"_s, u"ISO-8859-15"_s,
+                                       locales + u"/it_IT.ISO-8859-15"_s});
+    ASSERT_TRUE(QFile::exists(locales + u"/it_IT.ISO-8859-15/LC_CTYPE"_s)) << "localedef failed";
+    ASSERT_TRUE(writeBytes(requestPath, "<?xml version=\"1.0\" encoding=\"UTF-8\"?><r>"
+                                        "<method name=\"printPartialOrder\"/>"
+                                        "<receipe number=\"1\" name=\"Caff\xc3\xa8 \xe2\x82\xac \xe2\x80\xa6\"/></r>"));
+    QProcess& done = run({requestPath, printPath}, {u"LOCPATH="_s + locales, u"LC_ALL=it_IT.ISO-8859-15"_s});
+    EXPECT_EQ(done.exitCode(), 0);
+    EXPECT_TRUE(readBytes(printPath).contains("\"1 Caff\xe8 \xa4 ...")) << readBytes(printPath).toStdString();
+    EXPECT_TRUE(done.readAllStandardOutput().endsWith(
+        "Characters the printer lacks were printed as their closest text: 1 in ISO-8859-15\n"));
+}
+
 } // namespace

@@ -1,0 +1,84 @@
+#include "codepage.h"
+#include "testdriver.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Byte
+{
+    char16_t character;
+    unsigned char byte;
+};
+
+// Bytes from the published tables of each code page.
+TEST(CodePage, WritesThePublishedBytes)
+{
+    const std::pair<const char*, std::vector<Byte>> tables[] = {
+        {"CP437", {{u'é', 0x82}, {u'è', 0x8a}, {u'à', 0x85}, {u'ù', 0x97}, {u'ü', 0x81}, {u'ö', 0x94},
+                   {u'ä', 0x84}, {u'ß', 0xe1}, {u'ç', 0x87}, {u'ê', 0x88}, {u'Ä', 0x8e}, {u'Ü', 0x9a},
+                   {u'£', 0x9c}, {u'Æ', 0x92}}},
+        {"IBM850", {{u'é', 0x82}, {u'è', 0x8a}, {u'à', 0x85}, {u'ù', 0x97}, {u'ü', 0x81}, {u'ß', 0xe1},
+                    {u'Ø', 0x9d}, {u'ø', 0x9b}, {u'£', 0x9c}, {u'ı', 0xd5}, {u'Ì', 0xde}}},
+        {"CP858", {{u'é', 0x82}, {u'Ø', 0x9d}, {u'ø', 0x9b}, {u'€', 0xd5}}},
+        {"ISO-8859-15", {{u'é', 0xe9}, {u'è', 0xe8}, {u'ü', 0xfc}, {u'ß', 0xdf}, {u'€', 0xa4},
+                         {u'Œ', 0xbc}, {u'œ', 0xbd}, {u'Š', 0xa6}}},
+        {"windows-1252", {{u'€', 0x80}, {u'‚', 0x82}, {u'„', 0x84}, {u'…', 0x85}, {u'‘', 0x91},
+                          {u'’', 0x92}, {u'“', 0x93}, {u'”', 0x94}, {u'–', 0x96}, {u'—', 0x97},
+                          {u'œ', 0x9c}, {u'é', 0xe9}}},
+    };
+    for (const auto& [name, bytes] : tables) {
+        CodePage page{QByteArray(name)};
+        ASSERT_TRUE(page.isValid()) << name;
+        for (const Byte& expected : bytes) {
+            const QString printed = page.printable(QStringView(&expected.character, 1));
+            const QByteArray written = page.encoder().encode(printed);
+            EXPECT_EQ(written, QByteArray(1, char(expected.byte))) << name << " U+" << std::hex << int(expected.character);
+        }
+        EXPECT_EQ(page.replacements(), 0) << name;
+    }
+}
+
+TEST(CodePage, ReplacesWhatItLacksWithTheClosestText)
+{
+    struct Case { const char* page; QString text; QString printed; int replaced; };
+    const Case cases[] = {
+        {"CP437", u"Caffè €"_s, u"Caffè EUR"_s, 1},
+        {"CP850", u"‘q’ “q” ‚„ – — … ő Ł œ"_s, u"'q' \"q\" '\" - - ... o L oe"_s, 12},
+        {"US-ASCII", u"Crème brûlée"_s, u"Creme brulee"_s, 3},
+        {"US-ASCII", u"家"_s, u"?"_s, 1},
+        {"UTF-8", u"家 € e\u0301"_s, u"家 € é"_s, 0},
+        {"ISO-8859-1", u"e\u0301"_s, u"é"_s, 0}, // composed first: one character, printable
+    };
+    for (const Case& c : cases) {
+        CodePage page{QByteArray(c.page)};
+        EXPECT_EQ(page.printable(QStringView(c.text)), c.printed) << c.page;
+        EXPECT_EQ(page.replacements(), c.replaced) << c.page;
+    }
+}
+
+// A character outside the Basic Multilingual Plane is one printed character,
+// and a letter with a combining accent is one after composing: both count
+// once in a column and are never cut in half.
+TEST(CodePage, ColumnsCountPrintedCharacters)
+{
+    TestDriver driver;
+    driver.selectMethod(u"printPartialOrder"_s);
+    driver.setWidths(20, 3, 4, 5); // description 7 in "qdpt"
+    const QString pizza = u"Pizza \U0001F355 x"_s;
+    EXPECT_EQ(driver.descriptionRow(u"1", pizza, u"2.00", u"2.00", u'.', u"qdpt"),
+              u"  1 Pizza \U0001F3552.00 2.00"_s);
+    EXPECT_EQ(driver.descriptionRow(u"1", u"Cafe\u0301", u"1", u"1", u'.', u"qdpt"), u"  1 Café......1    1"_s);
+    EXPECT_EQ(printedLeft(u"ab\U0001F355c", 3), u"ab\U0001F355"_s);
+    EXPECT_EQ(printedLength(u"ab\U0001F355c"), 4);
+
+    // The fiscal printer's description width is counted the same way.
+    TestDriver fiscal; // descriptionWidth 5
+    fiscal.selectMethod(u"printFullOrderFiscal"_s);
+    fiscal.element(u"receipe"_s, TestDriver::attrs({{"name", u"Caf\U0001F355\U0001F355xyz"_s}, {"price", u"1"_s}}));
+    EXPECT_EQ(fiscal.bytes(), "\n\"Caf\xf0\x9f\x8d\x95\xf0\x9f\x8d\x95\"*1HR\r\n");
+}
+
+} // namespace
