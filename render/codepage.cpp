@@ -143,6 +143,8 @@ QString CodePage::printable(QStringView text)
         } else {
             printed += replacement;
             ++replaced;
+            if (replacementLog)
+                replacementLog->push_back({character, replacement});
         }
     }
     return printed;
