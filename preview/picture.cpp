@@ -121,6 +121,14 @@ int Picture::height(const std::vector<Band>& page) const
     return total;
 }
 
+int Picture::top(const std::vector<Band>& page, std::size_t index) const
+{
+    int y = margin;
+    for (std::size_t i = 0; i < index && i < page.size(); ++i)
+        y += bandHeight(page[i].kind);
+    return y;
+}
+
 std::vector<Band> Picture::bands() const
 {
     std::vector<Band> all{{Band::Kind::Title}};

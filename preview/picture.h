@@ -78,6 +78,8 @@ public:
     const Metrics& metrics() const { return grid; }
     int width() const { return pictureWidth; }
     int height(const std::vector<Band>& page) const;
+    // The top of band `index` of `page`.
+    int top(const std::vector<Band>& page, std::size_t index) const;
     int bandHeight(Band::Kind kind) const;
 
     // All bands of the paper, the title first.

@@ -1,7 +1,5 @@
 #include "pngpicture.h"
 
-#include "picture.h"
-
 #include <QFile>
 #include <QFont>
 #include <QFontMetrics>
@@ -24,8 +22,11 @@ QFont gridFont()
     return font;
 }
 
-Metrics metricsOf(const QFont& font)
+} // namespace
+
+Metrics pngMetrics()
 {
+    const QFont font = gridFont();
     const QFontMetrics measure(font);
     Metrics metrics;
     metrics.charWidth = qMax(1, measure.horizontalAdvance(u'M'));
@@ -33,6 +34,8 @@ Metrics metricsOf(const QFont& font)
     metrics.baseline = (metrics.rowHeight - measure.height()) / 2 + measure.ascent();
     return metrics;
 }
+
+namespace {
 
 class PainterCanvas : public Canvas
 {
@@ -81,7 +84,7 @@ QString pageFileName(const QString& path, int number)
 QStringList writePngPages(const Paper& paper, const QString& path, QString* error, int largestHeight)
 {
     const QFont font = gridFont();
-    const Picture picture(paper, metricsOf(font));
+    const Picture picture(paper, pngMetrics());
     const std::vector<std::vector<Band>> pages = picture.pages(largestHeight);
     QStringList written;
     for (std::size_t i = 0; i < pages.size(); ++i) {

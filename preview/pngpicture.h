@@ -1,6 +1,7 @@
 #pragma once
 
 #include "paper.h"
+#include "picture.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,6 +18,10 @@ inline constexpr int largestPageHeight = 6000;
 // written; on failure, `error` says why.
 QStringList writePngPages(const Paper& paper, const QString& path, QString* error,
                           int largestHeight = largestPageHeight);
+
+// The character grid of PNG pictures, from the font they are drawn in.
+// Needs the GUI application object.
+Metrics pngMetrics();
 
 // The name of page `number` (from 1) of a picture written to `path`.
 QString pageFileName(const QString& path, int number);

@@ -46,6 +46,7 @@ Paper previewInput(const QByteArray& input, const QString& source, const Preview
 {
     Paper paper = looksLikeRequest(input) ? previewRequest(input, source, settings)
                                           : previewPrintFile(input, source, settings);
+    flagUnclosedEnd(paper);
     flagWideRows(paper);
     return paper;
 }

@@ -32,8 +32,8 @@ Paper previewRequest(const QByteArray& request, const QString& source, const Pre
 // The paper of a print file written by the print run.
 Paper previewPrintFile(const QByteArray& printFile, const QString& source, const PreviewSettings& settings);
 
-// Either of the two, as the content says; lines wider than the paper are
-// flagged in both.
+// Either of the two, as the content says; lines wider than the paper, and
+// a last section left open, are flagged in both.
 Paper previewInput(const QByteArray& input, const QString& source, const PreviewSettings& settings);
 
 } // namespace preview

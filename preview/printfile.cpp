@@ -80,19 +80,6 @@ public:
         }
     }
 
-    void finish(qint64 end)
-    {
-        if (paper.sections.empty() || paper.sections.back().cut)
-            return;
-        const Flag flag{Flag::Kind::Notice,
-                        u"the print file ends inside this section: it is not closed and the paper is not cut"_s,
-                        u"not closed, not cut"_s};
-        if (Row* last = paper.rowAt(end))
-            last->flags.push_back(flag);
-        else
-            paper.unplaced.push_back(flag);
-    }
-
 private:
     std::size_t setupIndexAt(qint64 offset) const
     {
@@ -241,8 +228,20 @@ Paper readPrintFile(const QByteArray& bytes, const std::vector<SectionSetup>& se
         reader.line(start, QByteArrayView(bytes).sliced(start, end - start));
         start = end + 1;
     }
-    reader.finish(bytes.size());
     return paper;
+}
+
+void flagUnclosedEnd(Paper& paper)
+{
+    if (paper.sections.empty() || paper.sections.back().cut)
+        return;
+    const Flag flag{Flag::Kind::Notice,
+                    u"the print file ends inside this section: it is not closed and the paper is not cut"_s,
+                    u"not closed, not cut"_s};
+    if (!paper.sections.back().rows.empty())
+        paper.sections.back().rows.back().flags.push_back(flag);
+    else
+        paper.unplaced.push_back(flag);
 }
 
 bool looksLikeRequest(const QByteArray& bytes)

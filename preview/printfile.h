@@ -30,6 +30,10 @@ struct SectionSetup
 // characters.
 Paper readPrintFile(const QByteArray& bytes, const std::vector<SectionSetup>& setups, const QString& source);
 
+// Flags the last section when the print file ends inside it: a request
+// that broke off leaves it so, and the paper is not cut.
+void flagUnclosedEnd(Paper& paper);
+
 // Whether `bytes` look like a request rather than a print file: markup
 // after any byte-order mark and blanks.
 bool looksLikeRequest(const QByteArray& bytes);

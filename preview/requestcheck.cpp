@@ -13,6 +13,7 @@
 #include <QBuffer>
 
 #include <new>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -120,14 +121,17 @@ QString quoted(QStringView text)
 class RequestChecker : public XmlContentHandler
 {
 public:
-    // A finding for the lines printed from `offset` up to `end`; `marked`
-    // is text to mark on the line that shows it.
+    // A finding for the lines printed from `offset` up to `end`; a
+    // replaced character is marked on the line that shows it. Without lines of its own it
+    // goes on the next line printed.
     struct Finding
     {
         qint64 offset;
         qint64 end;
         Flag flag;
-        QString marked;
+        std::optional<CodePage::Replacement> replacement;
+        // On the last of its lines rather than the first.
+        bool onLastLine = false;
     };
 
     RequestChecker(CompanyPrinterDriver& driver, const QBuffer& printFile, const QByteArray& request,
@@ -160,6 +164,7 @@ public:
         noteReports(before);
 
         const bool isMethod = isName(qName, "method"_L1);
+        const std::size_t foundBefore = findings.size();
         if (isMethod && !checkMethod(tag, atts))
             return false;
         if (!isMethod)
@@ -167,13 +172,21 @@ public:
 
         const bool goOn = driver.startElement(namespaceURI, localName, qName, atts);
         const qint64 after = written();
+        // What is wrong with an element shows on the last line it printed:
+        // an item's own line rather than the column titles before it.
+        for (std::size_t i = foundBefore; i < findings.size(); ++i) {
+            findings[i].end = after;
+            findings[i].onLastLine = true;
+        }
         if (isMethod) {
             setups.push_back({before, driver.method(), driver.documentSettings().paperWidth,
                               driver.codePageInForce().name(), driver.isFiscal()});
-            const auto& misread = driver.misreadSettings();
-            for (std::size_t i = misreadBefore; i < misread.size(); ++i)
-                noteSetting(before, misread[i]);
         }
+        // The method element reads the document's settings; a few elements
+        // read one of their own (the top margin, the fiscal description width).
+        const auto& misread = driver.misreadSettings();
+        for (std::size_t i = misreadBefore; i < misread.size(); ++i)
+            noteSetting(before, misread[i]);
         for (std::size_t i = replacedBefore; i < replacements.size(); ++i)
             noteReplacement(before, after, replacements[i]);
         noteReports(before, tag);
@@ -330,7 +343,7 @@ private:
         const QString what = quoted(character) + " is not in code page "_L1 + page + ": printed as "_L1
                              + quoted(replacement.printed);
         const QString note = character + " printed as "_L1 + replacement.printed;
-        findings.push_back({from, to, {Flag::Kind::Unprintable, what, note}, replacement.printed});
+        findings.push_back({from, to, {Flag::Kind::Unprintable, what, note}, replacement});
     }
 
     CompanyPrinterDriver& driver;
@@ -348,32 +361,47 @@ private:
     std::vector<SectionSetup> setups;
 };
 
-// Marks `text` on the first row from `from` up to `to` that shows it where
-// nothing is marked yet.
-Row* rowShowing(Paper& paper, qint64 from, qint64 to, const QString& text)
+// Marks the replacement on the first row from `from` up to `to` that shows
+// the text it was made in, or as much of its start as the row kept (a
+// description column cuts it).
+Row* rowShowing(Paper& paper, qint64 from, qint64 to, const CodePage::Replacement& replacement)
 {
     for (Section& section : paper.sections) {
         for (Row& row : section.rows) {
             if (row.offset < from || row.offset >= to)
                 continue;
-            for (qsizetype at = row.text.indexOf(text); at >= 0; at = row.text.indexOf(text, at + 1)) {
-                const bool taken = std::any_of(row.marks.begin(), row.marks.end(), [at](const Mark& mark) {
-                    return mark.start == at;
-                });
-                if (!taken) {
-                    row.marks.push_back({at, text.size()});
-                    return &row;
-                }
+            for (qsizetype kept = replacement.text.size(); kept > replacement.at; --kept) {
+                const qsizetype start = row.text.indexOf(QStringView(replacement.text).first(kept));
+                if (start < 0)
+                    continue;
+                row.marks.push_back({start + replacement.at, qMin(replacement.printed.size(), kept - replacement.at)});
+                return &row;
             }
         }
     }
     return nullptr;
 }
 
+// The last row printed from `from` up to `to`, or null.
+Row* lastRowIn(Paper& paper, qint64 from, qint64 to)
+{
+    Row* last = nullptr;
+    for (Section& section : paper.sections) {
+        for (Row& row : section.rows) {
+            if (row.offset >= from && row.offset < to)
+                last = &row;
+        }
+    }
+    return last;
+}
+
 void place(Paper& paper, const RequestChecker::Finding& finding)
 {
-    Row* row = finding.marked.isEmpty() ? nullptr
-                                         : rowShowing(paper, finding.offset, finding.end, finding.marked);
+    Row* row = nullptr;
+    if (finding.replacement)
+        row = rowShowing(paper, finding.offset, finding.end, *finding.replacement);
+    else if (finding.onLastLine)
+        row = lastRowIn(paper, finding.offset, finding.end);
     if (!row)
         row = paper.rowAt(finding.offset);
     if (row)

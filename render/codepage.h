@@ -54,11 +54,14 @@ public:
     QString printable(const QString& text);
     qsizetype replacements() const { return replaced; }
 
-    // One character the page lacks and the text printed for it.
+    // One character the page lacks and the text printed for it, at `at` in
+    // `text`, the whole text as made printable.
     struct Replacement
     {
         char32_t character;
         QString printed;
+        QString text;
+        qsizetype at;
     };
     // Every replacement from now on is also added to `log` (null: none is).
     void logReplacements(std::vector<Replacement>* log) { replacementLog = log; }
