@@ -10,6 +10,7 @@ packages=(
   qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   libexpat1-dev
   locales
+  fonts-dejavu-core
   libqt6sql6-psql postgresql
   libgtest-dev
   clang
