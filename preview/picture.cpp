@@ -11,10 +11,22 @@ namespace {
 // Notes longer than this are cut, so that one long finding does not make
 // the whole picture wide; the list on the terminal has them in full.
 constexpr qsizetype longestNote = 56;
+// Lines are drawn up to this many characters: a line of a megabyte would
+// make a picture no one could open (the findings give its full length).
+constexpr qsizetype widestDrawnLine = 400;
 
+qsizetype drawnLength(const QString& text)
+{
+    return qMin(printedLength(text), widestDrawnLine);
+}
+
+// The text as drawn: control characters as their pictures, cut to the
+// widest line drawn.
 QString shown(const QString& text)
 {
-    QString copy = text;
+    QString copy = printedLength(text) > widestDrawnLine
+                       ? printedLeft(text, widestDrawnLine - 1).toString() + u'\u2026'
+                       : text;
     for (QChar& c : copy)
         c = shownCharacter(c);
     return copy;
@@ -78,7 +90,7 @@ Picture::Picture(const Paper& paper, Metrics metrics)
         contentRight = qMax(contentRight, paperRight(section) + 5 * cw);
         contentRight = qMax(contentRight, textStart + int(printedLength(heading(section))) * cw);
         for (const Row& row : section.rows) {
-            contentRight = qMax(contentRight, textStart + int(printedLength(row.text)) * cw);
+            contentRight = qMax(contentRight, textStart + int(drawnLength(row.text)) * cw);
             if (!row.flags.empty())
                 noteColumns = qMax(noteColumns, printedLength(marginNote(row)));
         }
@@ -241,14 +253,16 @@ void Picture::drawRow(Canvas& canvas, const Band& band, int top) const
     // Cells are counted in printed characters: a character outside the
     // Basic Multilingual Plane takes one cell, not two.
     const auto cell = [&row](qsizetype index) { return printedLength(QStringView(row.text).first(index)); };
-    const qsizetype length = printedLength(row.text);
+    const qsizetype length = drawnLength(row.text);
     if (length > section.paperWidth && row.style == Row::Style::Paper) {
         canvas.fill(textStart + section.paperWidth * cw, top, int(length - section.paperWidth) * cw, rh,
                     Ink::Overflow);
     }
     for (const Mark& mark : row.marks) {
         const qsizetype start = cell(mark.start);
-        const qsizetype cells = cell(mark.start + mark.length) - start;
+        const qsizetype cells = qMin(cell(mark.start + mark.length), length) - start;
+        if (cells <= 0)
+            continue;
         canvas.fill(textStart + int(start) * cw, top + 1, int(cells) * cw, rh - 2, Ink::Mark);
     }
     if (!row.text.isEmpty()) {

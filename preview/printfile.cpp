@@ -173,6 +173,11 @@ private:
 
     void fiscalLine(qint64 offset, const QString& text)
     {
+        // The printer's command lines are short; a long one is no command,
+        // and is not given to the patterns, which are slow on long text.
+        constexpr qsizetype longestCommand = 1024;
+        if (text.size() > longestCommand)
+            return unknownLine(offset, text);
         const int width = current().paperWidth;
         if (const auto item = fiscalItem.match(text); item.hasMatch()) {
             const QString detail = item.captured(2) + " x "_L1 + item.captured(3) + "  dept "_L1 + item.captured(4);

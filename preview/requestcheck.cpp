@@ -12,8 +12,10 @@
 
 #include <QBuffer>
 
+#include <algorithm>
 #include <new>
 #include <optional>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
@@ -361,49 +363,73 @@ private:
     std::vector<SectionSetup> setups;
 };
 
-// Marks the replacement on the first row from `from` up to `to` that shows
-// the text it was made in, or as much of its start as the row kept (a
-// description column cuts it).
-Row* rowShowing(Paper& paper, qint64 from, qint64 to, const CodePage::Replacement& replacement)
+// The rows of a paper in the order of their places in the print file, to
+// find the lines an element printed without going through all of them for
+// every finding: a long request may have a finding on each of its items.
+class RowIndex
 {
-    for (Section& section : paper.sections) {
-        for (Row& row : section.rows) {
-            if (row.offset < from || row.offset >= to)
+public:
+    explicit RowIndex(Paper& paper)
+    {
+        for (Section& section : paper.sections) {
+            for (Row& row : section.rows)
+                rows.push_back(&row);
+        }
+    }
+
+    // The rows printed from `from` up to `to`.
+    std::span<Row* const> printed(qint64 from, qint64 to) const
+    {
+        const auto first = firstAt(from);
+        return {first, firstAt(to) - first};
+    }
+
+    // The first row printed at or after `offset`, else the last row.
+    Row* next(qint64 offset) const
+    {
+        const auto found = firstAt(offset);
+        if (found != rows.end())
+            return *found;
+        return rows.empty() ? nullptr : rows.back();
+    }
+
+private:
+    std::vector<Row*>::const_iterator firstAt(qint64 offset) const
+    {
+        return std::lower_bound(rows.begin(), rows.end(), offset,
+                                [](const Row* row, qint64 place) { return row->offset < place; });
+    }
+
+    std::vector<Row*> rows;
+};
+
+// Marks the replacement on the first of `rows` that shows the text it was
+// made in, or as much of its start as the row kept (a description column
+// cuts it).
+Row* rowShowing(std::span<Row* const> rows, const CodePage::Replacement& replacement)
+{
+    for (Row* row : rows) {
+        for (qsizetype kept = replacement.text.size(); kept > replacement.at; --kept) {
+            const qsizetype start = row->text.indexOf(QStringView(replacement.text).first(kept));
+            if (start < 0)
                 continue;
-            for (qsizetype kept = replacement.text.size(); kept > replacement.at; --kept) {
-                const qsizetype start = row.text.indexOf(QStringView(replacement.text).first(kept));
-                if (start < 0)
-                    continue;
-                row.marks.push_back({start + replacement.at, qMin(replacement.printed.size(), kept - replacement.at)});
-                return &row;
-            }
+            row->marks.push_back({start + replacement.at, qMin(replacement.printed.size(), kept - replacement.at)});
+            return row;
         }
     }
     return nullptr;
 }
 
-// The last row printed from `from` up to `to`, or null.
-Row* lastRowIn(Paper& paper, qint64 from, qint64 to)
+void place(Paper& paper, const RowIndex& index, const RequestChecker::Finding& finding)
 {
-    Row* last = nullptr;
-    for (Section& section : paper.sections) {
-        for (Row& row : section.rows) {
-            if (row.offset >= from && row.offset < to)
-                last = &row;
-        }
-    }
-    return last;
-}
-
-void place(Paper& paper, const RequestChecker::Finding& finding)
-{
+    const std::span<Row* const> printed = index.printed(finding.offset, finding.end);
     Row* row = nullptr;
     if (finding.replacement)
-        row = rowShowing(paper, finding.offset, finding.end, *finding.replacement);
-    else if (finding.onLastLine)
-        row = lastRowIn(paper, finding.offset, finding.end);
+        row = rowShowing(printed, *finding.replacement);
+    else if (finding.onLastLine && !printed.empty())
+        row = printed.back();
     if (!row)
-        row = paper.rowAt(finding.offset);
+        row = index.next(finding.offset);
     if (row)
         row->flags.push_back(finding.flag);
     else
@@ -445,8 +471,9 @@ Paper previewRequest(const QByteArray& request, const QString& source, const Pre
             setup.paperWidth = settings.width;
     }
     Paper paper = readPrintFile(printFile.data(), setups, source);
+    const RowIndex index(paper);
     for (const RequestChecker::Finding& finding : checker.found())
-        place(paper, finding);
+        place(paper, index, finding);
     if (ranOutOfMemory)
         paper.unplaced.push_back({Flag::Kind::Notice, u"out of memory: the request was read only in part"_s,
                                   u"out of memory"_s});

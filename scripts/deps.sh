@@ -9,6 +9,7 @@ packages=(
   cmake g++
   qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   libexpat1-dev
+  libpng-dev
   locales
   fonts-dejavu-core
   libqt6sql6-psql postgresql
