@@ -21,14 +21,6 @@ namespace {
 
 const QString casesDir = QStringLiteral(PREVIEW_GOLDEN);
 
-std::vector<std::string> caseNames()
-{
-    std::vector<std::string> names;
-    for (const QString& name : QDir(casesDir).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-        names.push_back(name.toStdString());
-    return names;
-}
-
 // The case's settings first in the top-level group, where a lookup finds
 // them before the defaults.
 QByteArray configurationFor(const QDir& dir)
@@ -66,7 +58,7 @@ TEST_P(GoldenPicture, Svg)
     expectFile(dir.filePath(u"expected.txt"_s), preview::findingLines(paper).join(u'\n').toUtf8() + '\n');
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, GoldenPicture, testing::ValuesIn(caseNames()),
+INSTANTIATE_TEST_SUITE_P(Cases, GoldenPicture, testing::ValuesIn(testsupport::subfolderNames(casesDir)),
                          [](const testing::TestParamInfo<std::string>& info) { return info.param; });
 
 } // namespace

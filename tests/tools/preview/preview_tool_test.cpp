@@ -22,8 +22,8 @@ const char settings[] = R"(zentaro : {
 const char cleanRequest[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <receipt>
   <method name="printFullOrderReceipt"/>
-  <receipe number="2" name="Pizza Margherita" price="7.50" totalPrice="15.00"/>
-  <total price="15.00"/>
+  <receipe number="3" name="Tagliatelle" price="9.50" totalPrice="28.50"/>
+  <total price="28.50"/>
 </receipt>
 )";
 
