@@ -381,7 +381,7 @@ public:
     std::span<Row* const> printed(qint64 from, qint64 to) const
     {
         const auto first = firstAt(from);
-        return {first, firstAt(to) - first};
+        return {first, firstAt(to)};
     }
 
     // The first row printed at or after `offset`, else the last row.
