@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class QTreeWidget;
+
 // The application configuration. The print run and the suite's tools reach
 // the user's own file, $HOME/.zentaro/conf/zentaro.conf, through
 // SyncSingleton<ZTConfiguration>; a tool or a test that works on another
@@ -28,6 +30,10 @@ public:
     // The text of a dotted key such as "zentaro.logger.level"; empty when
     // the key is not set.
     QString getStrValue(const QString& key) const;
+
+    // An editable tree view of the configuration, as Config's of the same
+    // name; defined in the configview library, which links QtWidgets.
+    QTreeWidget* newConfigListView() const;
 
 private:
     struct Unloaded {};

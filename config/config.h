@@ -9,6 +9,12 @@
 
 #include <memory>
 
+class QTextStream;
+// The tree views are defined in the configview library, which links
+// QtWidgets; the store itself needs only QtCore.
+class QTreeWidget;
+class QTreeWidgetItem;
+
 namespace libconfig {
 
 // The configuration store: reads a "cfg" (block-structured text) or "xml"
@@ -44,6 +50,34 @@ public:
     // The root: its children are the top-level elements (the file element).
     // Null before anything was loaded.
     const ConfigNode* document() const;
+
+    // Writers. A file form writes the file `name` (fileName when `name` is
+    // empty) and answers false, after one diagnostic line, when the file
+    // cannot be written; what stood there before is then left as it was.
+    // Only the first group under the file element is written. "cfg" text is
+    // ISO 8859-1, byte for byte what the reader reads; XML is UTF-8.
+    bool buildConfigFile(const QString& name = {}) const;
+    void buildConfigFile(const ConfigNode* node, QTextStream& ts) const;
+    bool buildConfigXmlFile(const QString& name = {}) const;
+    void buildConfigXmlFile(const ConfigNode* node, QTextStream& ts) const;
+    // The tree on standard output, for inspection: "Tree ", then each
+    // element's name and its "name = value" lines, without indentation.
+    void printConfigTree() const;
+    void printConfigTree(const ConfigNode* node) const;
+
+    // Tree views (configview library). A view has the one column
+    // "ConfigurationFile": an element is an item showing its name, a setting
+    // an item showing "name = value"; the caller owns a view it is given.
+    QTreeWidget* buildConfigListView() const;
+    QTreeWidget* newConfigListView() const;
+    void buildConfigListView(const ConfigNode* node, QTreeWidget* view) const;
+    void buildConfigListView(const ConfigNode* node, QTreeWidgetItem* parent) const;
+    // Replaces the tree with what the view shows and saves it in the file's
+    // own format over fileName; true when the file was written.
+    bool loadListView(const QTreeWidget* view);
+    // Appends the element that `item` shows, with everything under it,
+    // below `parent` (the document root for a top-level item).
+    void loadListView(const QTreeWidgetItem* item, ConfigNode* parent) const;
 
 protected:
     QString fileName;

@@ -11,10 +11,12 @@ packages=(
   libexpat1-dev
   libpng-dev
   locales
-  fonts-dejavu-core
   libqt6sql6-psql postgresql
   libgtest-dev
   clang
+  # text drawn on the offscreen platform: the editor window (view tests, the
+  # README's picture) and the preview's PNG pictures
+  fonts-dejavu-core
 )
 
 installed() {

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
 void PrintTo(const QString& text, std::ostream* os)
 {
     *os << '"' << text.toStdString() << '"' << (text.isNull() ? " (null)" : "");
@@ -117,6 +119,21 @@ QByteArray withoutTimeStamps(const QByteArray& log)
         QStringLiteral(R"(^\[\d\d-\d\d-\d{4} \d\d:\d\d:\d\d:\d{3}\] )"),
         QRegularExpression::MultilineOption);
     return QString::fromLocal8Bit(log).remove(stamp).toLocal8Bit();
+}
+
+void expectGoldenFile(const QString& path, const QByteArray& actual)
+{
+    if (qEnvironmentVariableIntValue("GOLDEN_UPDATE") == 1) {
+        EXPECT_TRUE(writeBytes(path, actual.toStdString())) << path.toStdString();
+        return;
+    }
+    if (!QFileInfo::exists(path)) {
+        ADD_FAILURE() << "no golden file " << path.toStdString() << " (GOLDEN_UPDATE=1 writes it)";
+        return;
+    }
+    const QByteArray expected = readBytes(path);
+    // Not EXPECT_EQ: the diff says more than two dumps of the bytes.
+    EXPECT_TRUE(expected == actual) << path.toStdString() << '\n' << lineDiff(expected, actual);
 }
 
 } // namespace testsupport

@@ -59,4 +59,9 @@ std::vector<std::string> subfolderNames(const QString& dir);
 // off every line that starts with one, so that the rest can be compared.
 QByteArray withoutTimeStamps(const QByteArray& log);
 
+// Expects `actual` to be the bytes of the golden file at `path`, showing a
+// line diff when it is not. With GOLDEN_UPDATE=1 in the environment it
+// writes the file instead, for review with git diff.
+void expectGoldenFile(const QString& path, const QByteArray& actual);
+
 } // namespace testsupport

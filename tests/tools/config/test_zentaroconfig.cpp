@@ -1,0 +1,228 @@
+// zentaro-config run as the real executable, in a scratch home of its own:
+// what each command prints and writes, its exit statuses, and that the file
+// it reads is left as it was.
+#include "testsupport.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+using testsupport::readBytes;
+
+namespace {
+
+const QString writerData = QStringLiteral(CONFIG_TEST_DATA "/writer");
+const QString exampleConfiguration = QStringLiteral(EXAMPLE_CONFIGURATION);
+
+struct Outcome {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+// The scratch home holds the user's file, a copy of the example
+// configuration; every test checks at its end that the file is untouched.
+class ToolTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(home.isValid());
+        userFile = home.filePath(u".zentaro/conf/zentaro.conf"_s);
+        ASSERT_TRUE(testsupport::writeBytes(userFile, readBytes(exampleConfiguration).toStdString()));
+        userFileTime = QFileInfo(userFile).lastModified();
+    }
+
+    void TearDown() override
+    {
+        EXPECT_EQ(readBytes(userFile), readBytes(exampleConfiguration)) << "the user's file changed";
+        EXPECT_EQ(QFileInfo(userFile).lastModified(), userFileTime);
+    }
+
+    // Runs the program in the home folder, without a display unless the
+    // environment given asks for a platform.
+    Outcome run(const QStringList& arguments, const QStringList& environment = {}) const
+    {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(u"HOME"_s, home.path());
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            env.remove(QString::fromLatin1(name));
+        for (const QString& setting : environment)
+            env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
+        process.setProcessEnvironment(env);
+        process.setWorkingDirectory(home.path());
+        process.start(QStringLiteral(ZENTARO_CONFIG), arguments);
+        process.closeWriteChannel();
+        EXPECT_TRUE(process.waitForFinished(60000)) << arguments.join(u' ').toStdString();
+        return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+
+    void writeInHome(const QString& name, const QByteArray& text) const
+    {
+        EXPECT_TRUE(testsupport::writeBytes(home.filePath(name), text.toStdString()));
+    }
+
+    QTemporaryDir home;
+    QString userFile;
+    QDateTime userFileTime;
+};
+
+struct GetCase {
+    const char* name;
+    QStringList arguments;
+    int status;
+    QByteArray out;
+};
+
+void PrintTo(const GetCase& row, std::ostream* os)
+{
+    *os << row.name;
+}
+
+class Get : public ToolTest, public testing::WithParamInterface<GetCase>
+{};
+
+// other.conf and other.xml in the home folder hold a value beyond ASCII.
+TEST_P(Get, PrintsTheValueOrNothing)
+{
+    writeInHome(u"other.conf"_s, "zentaro : { company : { name = \"Caf\xE9\"; }; };\n");
+    writeInHome(u"other.xml"_s, "<zentaro><company name='Caf\xC3\xA9'/></zentaro>");
+    const Outcome r = run(GetParam().arguments);
+    EXPECT_EQ(r.status, GetParam().status);
+    EXPECT_EQ(r.out, GetParam().out);
+    EXPECT_EQ(r.err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Get,
+    testing::Values(
+        GetCase{"UsersFile", {u"get"_s, u"zentaro.logger.level"_s}, 0, "WARNING\n"},
+        GetCase{"MissingKey", {u"get"_s, u"zentaro.logger.size"_s}, 1, ""},
+        GetCase{"EmptyValueIsNotThere", {u"get"_s, u"zentaro.language.basedir"_s}, 1, ""},
+        GetCase{"CfgBytesAsInTheFile", {u"--file"_s, u"other.conf"_s, u"get"_s, u"zentaro.company.name"_s}, 0,
+                "Caf\xE9\n"},
+        GetCase{"XmlByItsName", {u"-f"_s, u"other.xml"_s, u"get"_s, u"zentaro.company.name"_s}, 0, "Caf\xC3\xA9\n"},
+        GetCase{"FormatOverridesTheName",
+                {u"--file=other.xml"_s, u"--format"_s, u"cfg"_s, u"get"_s, u"zentaro.company.name"_s}, 1, ""}),
+    [](const testing::TestParamInfo<GetCase>& info) { return std::string(info.param.name); });
+
+TEST_F(ToolTest, DumpPrintsTheTree)
+{
+    writeInHome(u"zentaro.conf"_s, readBytes(writerData + "/worked_example/input.conf"_L1));
+    QByteArray expected = readBytes(writerData + "/worked_example/expected.tree"_L1);
+    expected.replace("/home/anna/.zentaro/conf/zentaro.conf", "zentaro.conf");
+
+    const Outcome r = run({u"--file"_s, u"zentaro.conf"_s, u"dump"_s});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, expected) << testsupport::lineDiff(expected, r.out);
+    EXPECT_EQ(r.err, "");
+}
+
+// The conversions of the user's file give the writers' golden texts.
+TEST_F(ToolTest, WriteCfgAndWriteXmlConvert)
+{
+    for (const auto& [command, golden] : {std::pair{"write-cfg", "expected.cfg"}, std::pair{"write-xml", "expected.xml"}}) {
+        const QString output = home.filePath(QLatin1StringView(golden));
+        const Outcome r = run({QLatin1StringView(command), output});
+        EXPECT_EQ(r.status, 0) << command;
+        EXPECT_EQ(r.out + r.err, "") << command;
+        const QByteArray expected = readBytes(writerData + "/example_configuration/"_L1 + QLatin1StringView(golden));
+        EXPECT_TRUE(readBytes(output) == expected) << testsupport::lineDiff(expected, readBytes(output));
+    }
+}
+
+class Usage : public ToolTest, public testing::WithParamInterface<QStringList>
+{};
+
+TEST_P(Usage, WrongUsageGivesTheUsageLineAndStatus2)
+{
+    const Outcome r = run(GetParam());
+    EXPECT_EQ(r.status, 2);
+    EXPECT_EQ(r.out, "");
+    const QList<QByteArray> lines = r.err.trimmed().split('\n');
+    EXPECT_EQ(lines.size(), 2) << r.err.toStdString();
+    EXPECT_TRUE(lines.last().startsWith("Usage: zentaro-config ")) << r.err.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Usage,
+                         testing::Values(QStringList{}, QStringList{u"frob"_s}, QStringList{u"get"_s},
+                                         QStringList{u"get"_s, u"a"_s, u"b"_s}, QStringList{u"dump"_s, u"x"_s},
+                                         QStringList{u"write-cfg"_s}, QStringList{u"write-xml"_s, QString()},
+                                         QStringList{u"--format"_s, u"ini"_s, u"dump"_s},
+                                         QStringList{u"--bogus"_s, u"dump"_s}, QStringList{u"--file"_s},
+                                         QStringList{u"--file"_s, QString(), u"dump"_s},
+                                         QStringList{u"--screenshot"_s, u"x.png"_s, u"dump"_s}));
+
+TEST_F(ToolTest, HelpAndVersion)
+{
+    const Outcome help = run({u"dump"_s, u"--help"_s});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.out.contains("write-xml FILE")) << help.out.toStdString();
+    EXPECT_TRUE(help.out.contains("--format")) << help.out.toStdString();
+
+    const Outcome version = run({u"--version"_s});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, "zentaro-config " ZENTARO_VERSION "\n");
+}
+
+struct FailureCase {
+    const char* name;
+    QStringList arguments;
+    QByteArray out;      // what the writers report
+    QByteArray errStart; // the start of the one line on standard error
+};
+
+void PrintTo(const FailureCase& row, std::ostream* os)
+{
+    *os << row.name;
+}
+
+class Failure : public ToolTest, public testing::WithParamInterface<FailureCase>
+{};
+
+// broken.xml, a folder and the user's own file are there to fail on.
+TEST_P(Failure, OneLineAndStatus1)
+{
+    writeInHome(u"broken.xml"_s, "<zentaro><logger level='x'></zentaro>");
+    ASSERT_TRUE(QDir(home.path()).mkpath(u"folder"_s));
+    const Outcome r = run(GetParam().arguments);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, GetParam().out);
+    EXPECT_TRUE(r.err.startsWith(GetParam().errStart)) << r.err.toStdString();
+    EXPECT_EQ(r.err.count('\n'), GetParam().errStart.isEmpty() ? 0 : 1) << r.err.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Failure,
+    testing::Values(
+        FailureCase{"MissingFile", {u"-f"_s, u"missing.conf"_s, u"get"_s, u"k"_s}, "",
+                    "zentaro-config: cannot read missing.conf: no such file"},
+        FailureCase{"Folder", {u"-f"_s, u"folder"_s, u"dump"_s}, "", "zentaro-config: cannot read folder: "},
+        FailureCase{"MalformedXml", {u"-f"_s, u"broken.xml"_s, u"dump"_s}, "",
+                    "zentaro-config: cannot read broken.xml: not well-formed XML"},
+        FailureCase{"UnwritableOutput", {u"write-cfg"_s, u"no/such/folder.conf"_s},
+                    "Error in the method Config::buildConfigFile( no/such/folder.conf ): Unable To Open File\n", ""},
+        FailureCase{"OutputIsTheInput", {u"write-xml"_s, u"./.zentaro/conf/zentaro.conf"_s}, "",
+                    "zentaro-config: ./.zentaro/conf/zentaro.conf is the file being read"},
+        FailureCase{"EditWithoutDisplay", {u"edit"_s}, "", "zentaro-config: edit needs a display"}),
+    [](const testing::TestParamInfo<FailureCase>& info) { return std::string(info.param.name); });
+
+TEST_F(ToolTest, EditShowsTheWindowAndLeavesTheFile)
+{
+    const QString picture = home.filePath(u"edit.png"_s);
+    const Outcome r = run({u"edit"_s, u"--screenshot"_s, picture}, {u"QT_QPA_PLATFORM=offscreen"_s});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, "");
+    EXPECT_TRUE(readBytes(picture).startsWith("\x89PNG"));
+}
+
+} // namespace

@@ -1,0 +1,92 @@
+#include "commands.h"
+
+#include "textencoding.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringEncoder>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+void complain(const QString& message)
+{
+    const QByteArray line = "zentaro-config: " + message.toLocal8Bit() + '\n';
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
+}
+
+std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
+{
+    // The readers take a file that cannot be read for an empty one; here
+    // that is an error worth its own message.
+    const QFileInfo info(invocation.file);
+    QFile file(invocation.file);
+    if (!info.exists() || !info.isFile() || !file.open(QIODevice::ReadOnly)) {
+        const QString reason = !info.exists() ? u"no such file"_s
+            : !info.isFile()                  ? u"not a regular file"_s
+                                              : file.errorString();
+        complain(u"cannot read %1: %2"_s.arg(invocation.file, reason));
+        return nullptr;
+    }
+    file.close();
+    auto configuration = std::make_unique<ZTConfiguration>(invocation.file, invocation.format);
+    // Every well-formed XML file has a root element; the reader keeps
+    // nothing of one that does not parse.
+    if (invocation.format == "xml"_L1 && !configuration->document()->firstChild()) {
+        complain(u"cannot read %1: not well-formed XML"_s.arg(invocation.file));
+        return nullptr;
+    }
+    return configuration;
+}
+
+namespace {
+
+// The value in the bytes of the file it came from, so that a script gets
+// what the file holds.
+int printValue(const ZTConfiguration& configuration, const Invocation& invocation)
+{
+    const QString value = configuration.lookup(invocation.argument);
+    if (value.isEmpty())
+        return exitFailure;
+    QStringEncoder encode(libconfig::textEncoding(invocation.format));
+    const QByteArray line = encode(value + u'\n');
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), stdout);
+    return exitSuccess;
+}
+
+// The input is never written over: a conversion goes to another file.
+bool isTheInput(const QString& output, const Invocation& invocation)
+{
+    const QString target = QFileInfo(output).canonicalFilePath();
+    return !target.isEmpty() && target == QFileInfo(invocation.file).canonicalFilePath();
+}
+
+int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation)
+{
+    if (isTheInput(invocation.argument, invocation)) {
+        complain(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
+        return exitFailure;
+    }
+    // The writers report a file they cannot write on their own line.
+    const bool written = invocation.command == "write-xml"_L1
+        ? configuration.buildConfigXmlFile(invocation.argument)
+        : configuration.buildConfigFile(invocation.argument);
+    return written ? exitSuccess : exitFailure;
+}
+
+} // namespace
+
+int runCommand(const Invocation& invocation)
+{
+    const std::unique_ptr<ZTConfiguration> configuration = loadConfiguration(invocation);
+    if (!configuration)
+        return exitFailure;
+    if (invocation.command == "get"_L1)
+        return printValue(*configuration, invocation);
+    if (invocation.command == "dump"_L1) {
+        configuration->printConfigTree();
+        return exitSuccess;
+    }
+    return writeCopy(*configuration, invocation);
+}
