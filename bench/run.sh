@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds zentaro-print and the benchmark tools in Release and prints the three
-# figures with their ratios against floors measured in the same run.
+# Builds zentaro-print, zentaro-preview and the benchmark tools in Release and
+# prints the figures with their ratios against floors measured in the same run.
 #   BUILD_DIR     build directory (default: build-bench/ at the repository root)
 #   STARTUP_REPS  runs of each start-up command (default 50)
 #   LARGE_REPS    runs of each large-request command (default 5)
@@ -27,9 +27,10 @@ work=$(mktemp -d "$tmp/zentaro-bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT INT TERM
 
 small=20
+short=5000
 medium=50000
 large=500000
-for n in $small $medium $large; do
+for n in $small $short $medium $large; do
     "$build/bench/bench_generate" "$n" "$work/receipt-$n.xml"
 done
 
@@ -38,4 +39,5 @@ done
     --small "$work/receipt-$small.xml" --small-items $small \
     --medium "$work/receipt-$medium.xml" --medium-items $medium \
     --large "$work/receipt-$large.xml" --large-items $large \
+    --preview-short "$work/receipt-$short.xml" --preview-short-items $short \
     --startup-reps "${STARTUP_REPS:-50}" --large-reps "${LARGE_REPS:-5}"

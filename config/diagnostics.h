@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
+#include <QList>
 
 #include <initializer_list>
 
@@ -9,3 +11,23 @@
 // line end, and flushed at once so that the line keeps its place among
 // anything else written there.
 void printDiagnostic(std::initializer_list<QByteArrayView> pieces);
+
+// While one of these lives, diagnostic lines are collected in it instead of
+// being written: a tool that shows them among its own findings (the
+// preview) takes them from here. Captures nest; the newest one collects.
+class DiagnosticCapture
+{
+public:
+    DiagnosticCapture();
+    ~DiagnosticCapture();
+    DiagnosticCapture(const DiagnosticCapture&) = delete;
+    DiagnosticCapture& operator=(const DiagnosticCapture&) = delete;
+
+    // The lines collected so far, without their line ends.
+    const QList<QByteArray>& lines() const { return collected; }
+
+private:
+    friend void printDiagnostic(std::initializer_list<QByteArrayView> pieces);
+    DiagnosticCapture* outer;
+    QList<QByteArray> collected;
+};

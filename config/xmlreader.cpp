@@ -3,6 +3,7 @@
 #include "diagnostics.h"
 
 #include <QIODevice>
+#include <QScopeGuard>
 #include <QStringDecoder>
 
 #include <expat.h>
@@ -382,6 +383,23 @@ QByteArray XmlReader::undeclaredEncoding() const
     return d->usedEncoding;
 }
 
+// Asked only by handlers that point at the request, so the print run pays
+// nothing for them.
+qint64 XmlReader::currentByteOffset() const
+{
+    return d->parser ? qint64(XML_GetCurrentByteIndex(d->parser)) : -1;
+}
+
+qint64 XmlReader::currentLine() const
+{
+    return d->parser ? qint64(XML_GetCurrentLineNumber(d->parser)) : -1;
+}
+
+qint64 XmlReader::currentColumn() const
+{
+    return d->parser ? qint64(XML_GetCurrentColumnNumber(d->parser)) + 1 : -1;
+}
+
 bool XmlReader::parse(QIODevice* input)
 {
     d->stopped = false;
@@ -403,6 +421,8 @@ bool XmlReader::parse(QIODevice* input)
     if (!parser)
         return false;
     d->parser = parser.get();
+    // The parser is freed on the way out, whichever way that is.
+    const auto forget = qScopeGuard([this] { d->parser = nullptr; });
     XML_SetUserData(d->parser, d.get());
     XML_SetElementHandler(d->parser, &Private::onStart, &Private::onEnd);
     XML_SetUnknownEncodingHandler(d->parser, &Private::onUnknownEncoding, nullptr);
@@ -443,7 +463,6 @@ bool XmlReader::parse(QIODevice* input)
             return false;
         }
     }
-    d->parser = nullptr;
     return d->handler.endDocument();
 }
 

@@ -166,6 +166,13 @@ public:
     qint64 faultLine() const;
     QByteArray undeclaredEncoding() const;
 
+    // Inside a handler's callback: where the markup being delivered starts
+    // (a start tag's "<"), as a byte offset in the input, a line (from 1)
+    // and a column (from 1, in characters). -1 outside a parse.
+    qint64 currentByteOffset() const;
+    qint64 currentLine() const;
+    qint64 currentColumn() const;
+
 private:
     struct Private;
     std::unique_ptr<Private> d;

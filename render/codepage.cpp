@@ -141,9 +141,15 @@ QString CodePage::printable(QStringView text)
         if (replacement.isEmpty()) {
             printed += QString::fromUcs4(&character, 1);
         } else {
+            if (replacementLog)
+                replacementLog->push_back({character, replacement, {}, printed.size()});
             printed += replacement;
             ++replaced;
         }
+    }
+    if (replacementLog) {
+        for (auto entry = replacementLog->rbegin(); entry != replacementLog->rend() && entry->text.isNull(); ++entry)
+            entry->text = printed;
     }
     return printed;
 }

@@ -6,6 +6,8 @@
 #include <QStringEncoder>
 #include <QStringView>
 
+#include <vector>
+
 // The printer's character set. A receipt printer takes one byte per
 // character in a code page (CP437, CP858, ISO-8859-15, ...): the print file
 // is written in it, and text is made printable in it before it is laid out,
@@ -52,6 +54,18 @@ public:
     QString printable(const QString& text);
     qsizetype replacements() const { return replaced; }
 
+    // One character the page lacks and the text printed for it, at `at` in
+    // `text`, the whole text as made printable.
+    struct Replacement
+    {
+        char32_t character;
+        QString printed;
+        QString text;
+        qsizetype at;
+    };
+    // Every replacement from now on is also added to `log` (null: none is).
+    void logReplacements(std::vector<Replacement>* log) { replacementLog = log; }
+
 private:
     bool canEncode(QStringView text);
     const QString& replacementOf(char32_t character);
@@ -62,6 +76,7 @@ private:
     bool everything = false;
     QHash<char32_t, QString> known; // empty text: the character prints as itself
     qsizetype replaced = 0;
+    std::vector<Replacement>* replacementLog = nullptr;
 };
 
 // Widths as the printer counts them: one per character, whatever its size

@@ -174,10 +174,27 @@ int boundedWidth(int width)
 
 } // namespace
 
-int PrinterDriver::boundedSetting(QLatin1StringView keyWord) const
+int PrinterDriver::boundedSetting(QLatin1StringView keyWord)
 {
     // Empty or malformed text reads as 0, as toInt reports it.
-    return boundedWidth(config->getStrValue(docPath + keyWord).toInt());
+    const QString key = docPath + keyWord;
+    const QString text = config->getStrValue(key);
+    bool number = false;
+    const int value = text.toInt(&number);
+    if (!number && !text.isEmpty())
+        noteMisread(key, text, false);
+    return boundedWidth(value);
+}
+
+void PrinterDriver::noteMisread(const QString& key, const QString& text, bool isSwitch)
+{
+    // Settings are read again for every document of the type (and the
+    // fiscal description width for every item): each key is noted once.
+    for (const MisreadSetting& known : misread) {
+        if (known.key == key)
+            return;
+    }
+    misread.push_back({key, text, isSwitch});
 }
 
 void PrinterDriver::loadValues(const QString& type)
@@ -194,9 +211,25 @@ void PrinterDriver::loadValues(const QString& type)
         key.append(QLatin1StringView(keyWord));
         return config->getStrValue(key);
     };
-    // Empty or malformed text reads as 0, as toInt reports it.
-    const auto number = [&text](const char* keyWord) { return text(keyWord).toInt(); };
-    const auto flag = [&text](const char* keyWord) { return text(keyWord) == "true"_L1; };
+    // Empty or malformed text reads as 0, as toInt reports it; a switch is
+    // on only for "true". Text that reads so without being empty or "false"
+    // is noted, for tools that point at it.
+    const auto number = [this, &text, &key](const char* keyWord) {
+        const QString value = text(keyWord);
+        bool isNumber = false;
+        const int read = value.toInt(&isNumber);
+        if (!isNumber && !value.isEmpty())
+            noteMisread(key, value, false);
+        return read;
+    };
+    const auto flag = [this, &text, &key](const char* keyWord) {
+        const QString value = text(keyWord);
+        if (value == "true"_L1)
+            return true;
+        if (!value.isEmpty() && value != "false"_L1)
+            noteMisread(key, value, true);
+        return false;
+    };
 
     settings.quantityFieldWidth = boundedWidth(number("quantityFieldWidth"));
     settings.priceFieldWidth = boundedWidth(number("priceFieldWidth"));
@@ -240,6 +273,7 @@ void PrinterDriver::chooseCodePage()
         if (known != codePages.end()) {
             chosen = known->get();
         } else if (auto page = std::make_unique<CodePage>(name); page->isValid()) {
+            page->logReplacements(replacementLog);
             chosen = codePages.emplace_back(std::move(page)).get();
         } else {
             printDiagnostic({"Unknown code page \"", name, "\" in ", key.toLatin1(),
@@ -269,6 +303,13 @@ QString PrinterDriver::justified(QStringView text, int width, QChar fill, Qt::Al
         return printed;
     const QString pad(padding, fill);
     return alignment & Qt::AlignRight ? pad + printed : printed + pad;
+}
+
+void PrinterDriver::logReplacements(std::vector<CodePage::Replacement>* log)
+{
+    replacementLog = log;
+    for (const auto& page : codePages)
+        page->logReplacements(log);
 }
 
 QByteArray PrinterDriver::replacementSummary() const
@@ -312,6 +353,14 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
     currentMethod = emptyText();
     currentEntry = nullptr;
     return false;
+}
+
+std::vector<QLatin1StringView> PrinterDriver::documentMethods()
+{
+    std::vector<QLatin1StringView> names;
+    for (const DocumentMethod& method : methods)
+        names.push_back(method.name);
+    return names;
 }
 
 bool PrinterDriver::isFiscal() const

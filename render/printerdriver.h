@@ -137,6 +137,8 @@ public:
 
     const DocumentSettings& documentSettings() const { return settings; }
     const QString& method() const { return currentMethod; }
+    // The names a request's "method" element may give, in the order tried.
+    static std::vector<QLatin1StringView> documentMethods();
     // Whether the document in force is printed by the fiscal printer.
     bool isFiscal() const;
 
@@ -150,8 +152,22 @@ public:
     // One line for the end of the run when characters had to be replaced,
     // else empty.
     QByteArray replacementSummary() const;
+    // Every character replaced from now on, in every code page the run
+    // uses, is added to `log` (null: none is); it must outlive the driver.
+    void logReplacements(std::vector<CodePage::Replacement>* log);
+
+    // A setting whose text read as 0 or false although it was neither empty
+    // nor "false": "yes" for a switch, "wide" for a width.
+    struct MisreadSetting
+    {
+        QString key;
+        QString text;
+        bool isSwitch; // read as false; otherwise a number read as 0
+    };
+    // Each such key once, in the order read.
+    const std::vector<MisreadSetting>& misreadSettings() const { return misread; }
 protected:
-    int boundedSetting(QLatin1StringView keyWord) const;
+    int boundedSetting(QLatin1StringView keyWord);
     void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
     void printPricedItem(const XmlAttributes& atts, QStringView layout);
@@ -177,11 +193,14 @@ protected:
 private:
     void openStream(QIODevice::OpenMode mode);
     void chooseCodePage();
+    void noteMisread(const QString& key, const QString& text, bool isSwitch);
 
     // The code pages of the run: the locale's, and those the documents name,
     // each kept for its count of replaced characters.
     std::vector<std::unique_ptr<CodePage>> codePages;
     CodePage* codePage = nullptr;
+    std::vector<CodePage::Replacement>* replacementLog = nullptr;
+    std::vector<MisreadSetting> misread;
 
     // The storage of the last row built, reused by the next: the row a
     // caller prints is gone by then.

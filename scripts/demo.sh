@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Builds the program and renders every example request in examples/requests/
-# with the example configuration (examples/home as the home directory),
-# showing each result.  When examples/home-it/ exists, the requests listed in
-# its requests.txt (default: the receipts) are rendered again with it.
-# Results are written to out/.
+# Builds the programs and renders every example request in examples/requests/
+# with the example configuration (examples/home as the home directory): the
+# print file (out/NAME.txt) and its picture (out/NAME.png, drawn by
+# zentaro-preview), with what the preview flags.  When examples/home-it/
+# exists, the requests listed in its requests.txt (default: the receipts) are
+# rendered again with it (out/NAME.it.*).  out/index.html shows every picture
+# beside its request and print file.
 #
 # Environment: JOBS (parallel build jobs, default: number of cores),
 # BUILD_ROOT (where build/ goes, default: the repository root).
@@ -30,19 +32,40 @@ mkdir -p out
 export LC_ALL=C   # stable order of the requests
 failed=0
 
-# render NAME-SHOWN HOME REQUEST OUTPUT
+html_escape() {
+  sed -e 's/&/\&amp;/g' -e 's/</\&lt;/g' -e 's/>/\&gt;/g' -- "$@"
+}
+
+index=out/index.html
+cat >"$index" <<'HTML'
+<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<title>zentaro: the example requests</title>
+<style>
+body { font-family: sans-serif; background: #f6f5f2; margin: 1.5em; }
+section { margin-bottom: 3em; }
+.row { display: flex; gap: 1.5em; align-items: flex-start; }
+.row > div { flex: 0 1 auto; min-width: 0; }
+pre { background: #fff; border: 1px solid #ddd; padding: .6em; font-size: 12px; overflow-x: auto; max-width: 40em; }
+img { border: 1px solid #ddd; display: block; margin-bottom: .5em; }
+ul.flags { color: #b0201c; font-family: monospace; font-size: 12px; max-width: 60em; }
+</style>
+</head>
+<body>
+<h1>The example requests</h1>
+<p>Each request as zentaro-print renders it: the picture zentaro-preview draws (flagged lines are marked
+in the margin and listed under it) beside the request and the print file.</p>
+HTML
+
+# render NAME-SHOWN HOME REQUEST BASE: writes BASE.txt and BASE.png
 render() {
-  local shown=$1 home=$2 req=$3 out=$4 diag status=0
-  rm -f -- "$out"
+  local shown=$1 home=$2 req=$3 base=$4 diag findings page status=0
+  local out=$base.txt
+  rm -f -- "$out" "$base".png "$base"-[0-9]*.png
   diag=$(HOME="$home" "$build/tools/zentaro-print/zentaro-print" "$req" "$out") || status=$?
-  echo "==> $shown"
-  if [[ -f $out ]]; then
-    cat -- "$out"
-    # keep the next header on its own line
-    if [[ -s $out && -n $(tail -c 1 -- "$out") ]]; then echo; fi
-  else
-    echo "(no output file)"
-  fi
+  echo "==> $shown: $out"
   if [[ -n $diag ]]; then
     echo "--- diagnostics:"
     printf '%s\n' "$diag"
@@ -51,7 +74,36 @@ render() {
     echo "FAILED: zentaro-print exited with status $status"
     failed=1
   fi
-  echo
+  # Status 1 only says that something was flagged.
+  status=0
+  findings=$(HOME="$home" "$build/tools/zentaro-preview/zentaro-preview" "$req" "$base.png") || status=$?
+  if ((status > 1)); then
+    echo "FAILED: zentaro-preview exited with status $status"
+    failed=1
+  fi
+  echo "    picture: $base.png"
+  if [[ -n $findings ]]; then
+    sed -e 's/^/    /' <<<"$findings"
+  fi
+
+  {
+    printf '<section>\n<h2>%s</h2>\n<div class="row">\n<div>\n' "$shown"
+    for page in "$base".png "$base"-[0-9]*.png; do
+      if [[ -f $page ]]; then
+        printf '<img src="%s" alt="%s">\n' "${page#out/}" "$shown"
+      fi
+    done
+    if [[ -n $findings ]]; then
+      echo '<ul class="flags">'
+      printf '%s\n' "$findings" | html_escape | sed -e 's/^/<li>/' -e 's/$/<\/li>/'
+      echo '</ul>'
+    fi
+    printf '</div>\n<div><h3>Request</h3>\n<pre>'
+    html_escape "$req"
+    printf '</pre></div>\n<div><h3>Print file</h3>\n<pre>'
+    if [[ -f $out ]]; then html_escape "$out"; fi
+    printf '</pre></div>\n</div>\n</section>\n'
+  } >>"$index"
 }
 
 shopt -s nullglob
@@ -62,7 +114,7 @@ if ((${#requests[@]} == 0)); then
 fi
 for req in "${requests[@]}"; do
   name=$(basename -- "$req" .xml)
-  render "$name" "$repo/examples/home" "$req" "out/$name.txt"
+  render "$name" "$repo/examples/home" "$req" "out/$name"
 done
 
 if [[ -d examples/home-it ]]; then
@@ -83,8 +135,11 @@ if [[ -d examples/home-it ]]; then
   fi
   for req in "${italian[@]}"; do
     name=$(basename -- "$req" .xml)
-    render "$name (Italian)" "$repo/examples/home-it" "$req" "out/$name.it.txt"
+    render "$name (Italian)" "$repo/examples/home-it" "$req" "out/$name.it"
   done
 fi
 
+printf '</body>\n</html>\n' >>"$index"
+echo
+echo "The pictures, beside their requests and print files: $repo/$index"
 exit "$failed"

@@ -9,12 +9,13 @@ packages=(
   cmake g++
   qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   libexpat1-dev
+  libpng-dev
   locales
   libqt6sql6-psql postgresql
   libgtest-dev
   clang
-  # text in the editor window drawn on the offscreen platform (view tests,
-  # the README's picture)
+  # text drawn on the offscreen platform: the editor window (view tests, the
+  # README's picture) and the preview's PNG pictures
   fonts-dejavu-core
 )
 

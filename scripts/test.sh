@@ -87,6 +87,10 @@ fuzz_smoke fuzz_print \
   "$repo"/tests/fuzz/corpus/fuzz_print/* \
   "$repo"/tests/fuzz/regressions/fuzz_print/* \
   "$repo"/examples/requests/*.xml "$repo"/tests/golden/cases/*/request.xml
+fuzz_smoke fuzz_preview \
+  "$repo"/tests/fuzz/regressions/fuzz_preview/* \
+  "$repo"/examples/requests/*.xml "$repo"/tests/preview/golden/*/request.xml \
+  "$repo"/tests/golden/cases/*/expected.txt
 fuzz_smoke fuzz_catalogue \
   "$repo"/tests/fuzz/regressions/fuzz_catalogue/* \
   "$build_root"/build-fuzz/translations/*.qm

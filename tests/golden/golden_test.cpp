@@ -32,14 +32,6 @@ namespace {
 
 const QString casesDir = QStringLiteral(GOLDEN_CASES);
 
-std::vector<std::string> caseNames()
-{
-    std::vector<std::string> names;
-    for (const QString& name : QDir(casesDir).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-        names.push_back(name.toStdString());
-    return names;
-}
-
 bool updating()
 {
     return qEnvironmentVariableIntValue("GOLDEN_UPDATE") == 1;
@@ -134,7 +126,7 @@ TEST_P(Golden, PrintRun)
         expectFile(expectedPath, readBytes(output), false, "print file");
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Golden, testing::ValuesIn(caseNames()),
+INSTANTIATE_TEST_SUITE_P(Cases, Golden, testing::ValuesIn(testsupport::subfolderNames(casesDir)),
                          [](const testing::TestParamInfo<std::string>& info) { return info.param; });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Golden);
 

@@ -105,6 +105,14 @@ QByteArray numberedLines(int count)
     return text;
 }
 
+std::vector<std::string> subfolderNames(const QString& dir)
+{
+    std::vector<std::string> names;
+    for (const QString& name : QDir(dir).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+        names.push_back(name.toStdString());
+    return names;
+}
+
 QByteArray withoutTimeStamps(const QByteArray& log)
 {
     static const QRegularExpression stamp(

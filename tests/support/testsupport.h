@@ -11,6 +11,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Readable failure messages for QString comparisons.
 void PrintTo(const QString& text, std::ostream* os);
@@ -50,6 +51,9 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
 // A print file of `count` lines, each ten times one digit (0, 1, ... 9, 0,
 // ...) and a line end: 11 bytes a line.
 QByteArray numberedLines(int count);
+
+// The names of the folders in `dir`, sorted: one test case each.
+std::vector<std::string> subfolderNames(const QString& dir);
 
 // A log file's text with the time stamp "[MM-dd-yyyy hh:mm:ss:zzz] " taken
 // off every line that starts with one, so that the rest can be compared.

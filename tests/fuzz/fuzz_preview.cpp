@@ -1,0 +1,45 @@
+// Feeds arbitrary bytes to the preview as a request or a print file (as the
+// content says) and checks that the SVG picture it draws is well-formed XML
+// whatever the input holds.
+#include "preview.h"
+#include "textpictures.h"
+#include "xmlreader.h"
+#include "ztconfiguration.h"
+
+#include <QBuffer>
+#include <QByteArray>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+const char configuration[] = R"(zentaro : {
+    doc : { quantityFieldWidth = 3; paperWidth = 32; codePage = "CP437"; topMargin = "two";
+            printGeometry = "true"; printHeader = "yes"; printCompany = "true"; };
+    receiptdoc : { quantityFieldWidth = 3; priceFieldWidth = 8; totalPriceFieldWidth = 9;
+            paperWidth = 40; printCustomer = "true"; printDate = "true"; codePage = "US-ASCII"; };
+    fiscaldoc : { descriptionWidth = 12; paperWidth = 24; };
+    reportdoc : { paperWidth = "wide"; priceFieldWidth = 8; };
+};
+)";
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const auto settings = ZTConfiguration::fromText(configuration);
+    preview::PreviewSettings previewSettings;
+    previewSettings.configuration = settings.get();
+    const QByteArray input(reinterpret_cast<const char*>(data), qsizetype(size));
+    const preview::Paper paper = preview::previewInput(input, QStringLiteral("fuzz.xml"), previewSettings);
+
+    QBuffer svg;
+    svg.setData(preview::svgPicture(paper));
+    svg.open(QIODevice::ReadOnly);
+    XmlContentHandler ignore;
+    if (!parseXml(&svg, ignore))
+        std::abort();
+    return 0;
+}

@@ -1,0 +1,64 @@
+// Golden pictures: every folder under golden/ holds a request, the settings
+// that differ from the print run's golden defaults, the SVG picture and the
+// list of findings expected for it. GOLDEN_UPDATE=1 rewrites the expected
+// files; review them with git diff, and once by eye beside the PNG
+// (zentaro-preview --config ... request.xml picture.png).
+#include "findings.h"
+#include "preview.h"
+#include "textpictures.h"
+
+#include "testsupport.h"
+#include "ztconfiguration.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using testsupport::readBytes;
+
+namespace {
+
+const QString casesDir = QStringLiteral(PREVIEW_GOLDEN);
+
+// The case's settings first in the top-level group, where a lookup finds
+// them before the defaults.
+QByteArray configurationFor(const QDir& dir)
+{
+    QByteArray conf = readBytes(QStringLiteral(GOLDEN_DEFAULTS));
+    conf.insert(conf.indexOf('{') + 1, "\n" + readBytes(dir.filePath(u"settings.conf"_s)));
+    return conf;
+}
+
+void expectFile(const QString& path, const QByteArray& actual)
+{
+    if (qEnvironmentVariableIntValue("GOLDEN_UPDATE") == 1) {
+        ASSERT_TRUE(testsupport::writeBytes(path, actual.toStdString()));
+        return;
+    }
+    const QByteArray expected = readBytes(path);
+    EXPECT_TRUE(actual == expected) << path.toStdString() << "\n" << testsupport::lineDiff(expected, actual);
+}
+
+class GoldenPicture : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(GoldenPicture, Svg)
+{
+    const QDir dir(casesDir + u'/' + QString::fromStdString(GetParam()));
+    const auto configuration = ZTConfiguration::fromText(configurationFor(dir));
+    preview::PreviewSettings settings;
+    settings.configuration = configuration.get();
+    const QByteArray request = readBytes(dir.filePath(u"request.xml"_s));
+    ASSERT_FALSE(request.isEmpty());
+    const preview::Paper paper = preview::previewInput(request, u"request.xml"_s, settings);
+
+    expectFile(dir.filePath(u"expected.svg"_s), preview::svgPicture(paper));
+    expectFile(dir.filePath(u"expected.txt"_s), preview::findingLines(paper).join(u'\n').toUtf8() + '\n');
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, GoldenPicture, testing::ValuesIn(testsupport::subfolderNames(casesDir)),
+                         [](const testing::TestParamInfo<std::string>& info) { return info.param; });
+
+} // namespace

@@ -1,0 +1,259 @@
+// zentaro-preview [options] INPUT OUTPUT
+//
+// Draws what a print request (rendered as the print run renders it) or a
+// print file puts on paper, as PNG, SVG or HTML, and lists what is wrong
+// with it, one line each. Exit status: 0 when nothing was flagged, 1 when
+// something was, 2 for a wrong command line or input that cannot be read.
+
+#include "diagnostics.h"
+#include "findings.h"
+#include "pngpicture.h"
+#include "preview.h"
+#include "printrun.h"
+#include "textpictures.h"
+#include "ztconfiguration.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QTranslator>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int nothingFlagged = 0;
+constexpr int somethingFlagged = 1;
+constexpr int failed = 2;
+
+const char programName[] = "zentaro-preview";
+
+int fail(const QString& message)
+{
+    std::fprintf(stderr, "%s: %s\n", programName, message.toLocal8Bit().constData());
+    return failed;
+}
+
+enum class Format { Png, Svg, Html };
+
+struct Request
+{
+    QString input;
+    QString output; // "-": SVG on standard output
+    Format format = Format::Svg;
+    QString configPath;
+    int width = 0;
+    QByteArray codePage;
+};
+
+struct Options
+{
+    QCommandLineOption config{u"config"_s,
+                              u"Read the settings from PATH instead of ~/.zentaro/conf/zentaro.conf."_s, u"PATH"_s};
+    QCommandLineOption width{u"width"_s,
+                             u"Draw paper N characters wide, whatever the configuration says."_s, u"N"_s};
+    QCommandLineOption codePage{u"code-page"_s,
+                                u"A print file's code page (default: the locale's character set)."_s, u"NAME"_s};
+};
+
+std::optional<Format> formatOf(const QString& output)
+{
+    if (output == "-"_L1)
+        return Format::Svg;
+    const QString suffix = QFileInfo(output).suffix().toLower();
+    if (suffix == "png"_L1)
+        return Format::Png;
+    if (suffix == "svg"_L1)
+        return Format::Svg;
+    if (suffix == "html"_L1 || suffix == "htm"_L1)
+        return Format::Html;
+    return std::nullopt;
+}
+
+// The command line as a request; an error message when it is wrong.
+std::optional<Request> readRequest(const QCommandLineParser& parser, const Options& options, QString* error)
+{
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 2) {
+        *error = files.size() < 2 ? u"needs an INPUT and an OUTPUT (see --help)"_s
+                                  : "unexpected argument '"_L1 + files.at(2) + u'\'';
+        return std::nullopt;
+    }
+    Request request;
+    request.input = files.at(0);
+    request.output = files.at(1);
+    const std::optional<Format> format = formatOf(request.output);
+    if (!format) {
+        *error = "OUTPUT must end in .png, .svg or .html, or be - for SVG on standard output: '"_L1
+                 + request.output + u'\'';
+        return std::nullopt;
+    }
+    request.format = *format;
+    if (parser.isSet(options.width)) {
+        bool ok = false;
+        request.width = parser.value(options.width).toInt(&ok);
+        if (!ok || request.width < 1 || request.width > 4096) {
+            *error = "--width: '"_L1 + parser.value(options.width) + "' is not a width from 1 to 4096"_L1;
+            return std::nullopt;
+        }
+    }
+    request.configPath = parser.value(options.config);
+    request.codePage = parser.value(options.codePage).toLatin1();
+    return request;
+}
+
+std::optional<QByteArray> readInput(const QString& path, QString* error)
+{
+    QFile file;
+    if (path == "-"_L1) {
+        if (!file.open(stdin, QIODevice::ReadOnly)) {
+            *error = u"cannot read standard input"_s;
+            return std::nullopt;
+        }
+    } else {
+        file.setFileName(path);
+        if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly)) {
+            *error = "cannot read "_L1 + path + ": "_L1
+                     + (QFileInfo(path).isDir() ? u"it is a folder"_s : file.errorString());
+            return std::nullopt;
+        }
+    }
+    return file.readAll();
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
+{
+    QFile file;
+    const bool opened = path == "-"_L1 ? file.open(stdout, QIODevice::WriteOnly)
+                                       : (file.setFileName(path), file.open(QIODevice::WriteOnly));
+    if (!opened || file.write(bytes) != bytes.size() || !file.flush()) {
+        *error = "cannot write "_L1 + path + ": "_L1 + file.errorString();
+        return false;
+    }
+    return true;
+}
+
+int run(const Request& request)
+{
+    QString error;
+    const std::optional<QByteArray> input = readInput(request.input, &error);
+    if (!input)
+        return fail(error);
+    if (!request.configPath.isEmpty() && !QFileInfo(request.configPath).isFile())
+        return fail("cannot read the configuration "_L1 + request.configPath);
+
+    // What reading the settings and the labels reports belongs to the
+    // whole document.
+    std::vector<QByteArray> reported;
+    std::unique_ptr<ZTConfiguration> configuration;
+    QTranslator translator;
+    {
+        DiagnosticCapture capture;
+        configuration = request.configPath.isEmpty() ? std::make_unique<ZTConfiguration>()
+                                                     : std::make_unique<ZTConfiguration>(request.configPath);
+        loadTranslation(translator, *configuration);
+        reported.assign(capture.lines().begin(), capture.lines().end());
+    }
+    QCoreApplication::installTranslator(&translator);
+
+    preview::PreviewSettings settings;
+    settings.configuration = configuration.get();
+    settings.width = request.width;
+    settings.codePage = request.codePage;
+    const QString source = request.input == "-"_L1 ? u"<stdin>"_s : request.input;
+    preview::Paper paper = preview::previewInput(*input, source, settings);
+    for (auto line = reported.rbegin(); line != reported.rend(); ++line)
+        paper.flagStart({preview::Flag::Kind::Notice, "the print run reports: "_L1 + QString::fromLocal8Bit(*line),
+                         QString::fromLocal8Bit(*line)});
+
+    bool written = true;
+    switch (request.format) {
+    case Format::Png:
+        written = !preview::writePngPages(paper, request.output, &error).isEmpty() && error.isEmpty();
+        break;
+    case Format::Svg:
+        written = writeFile(request.output, preview::svgPicture(paper), &error);
+        break;
+    case Format::Html:
+        written = writeFile(request.output, preview::htmlPicture(paper), &error);
+        break;
+    }
+    if (!written)
+        return fail(error);
+
+    // With the picture on standard output, the findings go beside it.
+    std::FILE* list = request.output == "-"_L1 ? stderr : stdout;
+    for (const QString& line : preview::findingLines(paper))
+        std::fprintf(list, "%s\n", line.toLocal8Bit().constData());
+    return paper.isFlagged() ? somethingFlagged : nothingFlagged;
+}
+
+// Qt's own chatter (a missing runtime folder, font fallbacks) is no
+// concern of the reader; its errors still are.
+void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s: %s\n", programName, message.toLocal8Bit().constData());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qInstallMessageHandler(quietQtMessages);
+    QCoreApplication::setApplicationName(QString::fromLatin1(programName));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZENTARO_VERSION));
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Draws what a print request or a print file puts on receipt paper, and lists what is wrong with it.\n"
+        "INPUT is a request (XML, rendered as zentaro-print renders it) or a print file written by zentaro-print.\n"
+        "OUTPUT's extension chooses the picture: .png (taller pictures go on OUTPUT-2.png, ...), .svg or .html;\n"
+        "- writes SVG to standard output and the list to standard error.\n"
+        "Flagged: lines wider than the paper, characters the code page lacks, request elements and attributes\n"
+        "the document does not read or that come before its method element, settings read as 0 or false\n"
+        "from other text. Exit status: 0 nothing flagged, 1 something flagged, 2 usage or input errors."_s);
+    const Options options;
+    parser.addOptions({options.config, options.width, options.codePage});
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    parser.addPositionalArgument(u"INPUT"_s, u"The request or print file; - reads standard input."_s);
+    parser.addPositionalArgument(u"OUTPUT"_s, u"The picture: .png, .svg, .html, or -."_s);
+
+    if (!parser.parse(arguments))
+        return fail(parser.errorText());
+    if (parser.isSet(help)) {
+        const QString text = parser.helpText().replace("<executable_name>"_L1, QLatin1StringView(programName));
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        return nothingFlagged;
+    }
+    if (parser.isSet(version)) {
+        std::printf("%s %s\n", programName, ZENTARO_VERSION);
+        return nothingFlagged;
+    }
+    QString error;
+    const std::optional<Request> request = readRequest(parser, options, &error);
+    if (!request)
+        return fail(error);
+
+    // Only a PNG needs fonts and the GUI library's painting; no window is
+    // ever shown, so the platform needs no display.
+    std::unique_ptr<QCoreApplication> application;
+    if (request->format == Format::Png) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        application = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
+    return run(*request);
+}
