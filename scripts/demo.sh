@@ -21,7 +21,10 @@ build=$build_root/build
 if [[ ! -f $build/CMakeCache.txt ]]; then
   generator=()
   if command -v ninja >/dev/null; then generator=(-G Ninja); fi
-  cmake -S "$repo" -B "$build" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo
+  # The demo needs the programs only: no test framework on a fresh machine.
+  # A build directory the test command made keeps its tests.
+  cmake -S "$repo" -B "$build" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DZENTARO_TESTS=OFF
 fi
 cmake --build "$build" -j "$jobs"
 

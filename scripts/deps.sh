@@ -1,23 +1,33 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and fuzzing need.
+# Installs the Debian packages that building and the demo need ("demo", the
+# default) or that the whole test suite needs as well ("test": the test
+# framework, a PostgreSQL server, clang for fuzzing, the packaging tools).
 # Only missing packages are installed; when everything is present the script
 # prints nothing and touches nothing.  Works without a terminal or standard
 # input (CI): apt runs non-interactively, through sudo when not root.
+#   deps.sh [demo|test]
 set -euo pipefail
 
+profile=${1:-demo}
 packages=(
   cmake g++
   qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   libexpat1-dev
   libpng-dev
-  locales
-  libqt6sql6-psql postgresql
-  libgtest-dev
-  clang
+  libqt6sql6-psql
   # text drawn on the offscreen platform: the editor window (view tests, the
   # README's picture) and the preview's PNG pictures
   fonts-dejavu-core
 )
+if [[ $profile == test ]]; then
+  packages+=(
+    libgtest-dev
+    postgresql
+    clang
+    # locales the tests compile (an ISO-8859-15 one), manual pages, packages
+    locales man-db dpkg-dev lintian
+  )
+fi
 
 installed() {
   [[ $(dpkg-query -W -f='${Status}' "$1" 2>/dev/null) == "install ok installed" ]]
@@ -59,6 +69,8 @@ mapfile -t todo < <(missing "${need[@]}")
 if ((${#todo[@]})); then
   apt_install "${todo[@]}"
 fi
+
+[[ $profile == test ]] || exit 0
 
 # clang's sanitizer and libFuzzer runtime comes in a package named after
 # clang's major version, known only once clang is there.

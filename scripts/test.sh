@@ -15,7 +15,7 @@ jobs=${JOBS:-$(nproc)}
 fuzz_seconds=${FUZZ_SECONDS:-15}
 ctest_jobs=${CTEST_PARALLEL_LEVEL:-2}
 
-"$repo/scripts/deps.sh"
+"$repo/scripts/deps.sh" test
 
 # Every sanitizer finding stops the process with a failure.
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
@@ -42,8 +42,11 @@ configure_and_build() {
 
 failures=()
 
-configure_and_build "$build_root/build"
-configure_and_build "$build_root/build-asan" -DZENTARO_SANITIZE=ON
+# The normal build is configured for the system's folders, as a package is,
+# so that the package test runs there; nothing is installed outside the tests.
+# A build directory the demo made has its tests switched off: switch them on.
+configure_and_build "$build_root/build" -DZENTARO_TESTS=ON -DCMAKE_INSTALL_PREFIX=/usr
+configure_and_build "$build_root/build-asan" -DZENTARO_TESTS=ON -DZENTARO_SANITIZE=ON
 # The fuzz build instruments everything for libFuzzer, so only the fuzz
 # targets are built there; the unit tests run in the two builds above.
 CC=clang CXX=clang++ configure_and_build "$build_root/build-fuzz" -DZENTARO_FUZZ=ON \
