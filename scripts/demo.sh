@@ -32,7 +32,9 @@ cmake --build "$build" -j "$jobs"
 # repository root.
 cd "$repo"
 mkdir -p out
-export LC_ALL=C   # stable order of the requests
+# Byte order for the requests, and UTF-8 print files unless a document names
+# its code page (a fresh machine's locale is often plain ASCII).
+export LC_ALL=C.UTF-8
 failed=0
 
 html_escape() {
