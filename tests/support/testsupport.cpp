@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -134,6 +135,26 @@ void expectGoldenFile(const QString& path, const QByteArray& actual)
     const QByteArray expected = readBytes(path);
     // Not EXPECT_EQ: the diff says more than two dumps of the bytes.
     EXPECT_TRUE(expected == actual) << path.toStdString() << '\n' << lineDiff(expected, actual);
+}
+
+ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
+                      const QByteArray& input, const QStringList& environment)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        env.remove(QString::fromLatin1(name));
+    for (const QString& setting : environment)
+        env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
+    QProcess process;
+    process.setProcessEnvironment(env);
+    process.setWorkingDirectory(home);
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(60000)) << program.toStdString() << " did not finish";
+    const bool normal = process.exitStatus() == QProcess::NormalExit;
+    return {normal ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 } // namespace testsupport

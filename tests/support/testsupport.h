@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <ostream>
@@ -63,5 +64,18 @@ QByteArray withoutTimeStamps(const QByteArray& log);
 // line diff when it is not. With GOLDEN_UPDATE=1 in the environment it
 // writes the file instead, for review with git diff.
 void expectGoldenFile(const QString& path, const QByteArray& actual);
+
+struct ProgramRun
+{
+    int status = -1; // -1 when the program did not end normally
+    QByteArray out;
+    QByteArray err;
+};
+
+// Runs a program in `home` (its working folder and HOME) with `input` on
+// its standard input, without a display whatever the caller's environment
+// says; `environment` adds NAME=VALUE settings on top.
+ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
+                      const QByteArray& input = {}, const QStringList& environment = {});
 
 } // namespace testsupport

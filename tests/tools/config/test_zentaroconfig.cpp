@@ -6,7 +6,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -22,11 +21,7 @@ namespace {
 const QString writerData = QStringLiteral(CONFIG_TEST_DATA "/writer");
 const QString exampleConfiguration = QStringLiteral(EXAMPLE_CONFIGURATION);
 
-struct Outcome {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using Outcome = testsupport::ProgramRun;
 
 // The scratch home holds the user's file, a copy of the example
 // configuration; every test checks at its end that the file is untouched.
@@ -51,19 +46,7 @@ protected:
     // environment given asks for a platform.
     Outcome run(const QStringList& arguments, const QStringList& environment = {}) const
     {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"HOME"_s, home.path());
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-            env.remove(QString::fromLatin1(name));
-        for (const QString& setting : environment)
-            env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(home.path());
-        process.start(QStringLiteral(ZENTARO_CONFIG), arguments);
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60000)) << arguments.join(u' ').toStdString();
-        return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+        return testsupport::runProgram(QStringLiteral(ZENTARO_CONFIG), arguments, home.path(), {}, environment);
     }
 
     void writeInHome(const QString& name, const QByteArray& text) const

@@ -3,7 +3,6 @@
 #include "testsupport.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -35,12 +34,7 @@ const char flaggedRequest[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </receipt>
 )";
 
-struct Outcome
-{
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using Outcome = testsupport::ProgramRun;
 
 class PreviewTool : public testing::Test
 {
@@ -57,22 +51,7 @@ protected:
 
     Outcome run(const QStringList& arguments, const QByteArray& input = {}, const QString& program = ZENTARO_PREVIEW)
     {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"HOME"_s, work.path());
-        env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-        // The program needs no display, whatever the platform settings.
-        env.remove(u"QT_QPA_PLATFORM"_s);
-        env.remove(u"DISPLAY"_s);
-        env.remove(u"WAYLAND_DISPLAY"_s);
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(work.path());
-        process.start(program, arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60000));
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                process.readAllStandardOutput(), process.readAllStandardError()};
+        return testsupport::runProgram(program, arguments, work.path(), input, {u"LC_ALL=C.UTF-8"_s});
     }
 
     QTemporaryDir work;

@@ -41,22 +41,14 @@ protected:
     }
 
     // Runs the program with HOME pointing at the (empty) work folder.
-    QProcess& run(const QStringList& arguments, const QStringList& environment = {})
+    testsupport::ProgramRun run(const QStringList& arguments, const QStringList& environment = {})
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"HOME"_s, work.path());
-        for (const QString& setting : environment)
-            env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
-        process.setProcessEnvironment(env);
-        process.start(QStringLiteral(ZENTARO_PRINT), arguments);
-        process.waitForFinished(60000);
-        return process;
+        return testsupport::runProgram(QStringLiteral(ZENTARO_PRINT), arguments, work.path(), {}, environment);
     }
 
     QTemporaryDir work;
     QString requestPath;
     QString printPath;
-    QProcess process;
 };
 
 // The missing configuration is reported before the print file is made: a
@@ -90,9 +82,9 @@ TEST_F(PrintRun, TheRequestIsNeverItsOwnPrintFile)
     const QString link = work.filePath(u"link.xml"_s);
     ASSERT_TRUE(QFile::link(requestPath, link));
     for (const QString& output : {requestPath, link}) {
-        QProcess& done = run({requestPath, output});
-        EXPECT_EQ(done.exitCode(), 0);
-        EXPECT_TRUE(done.readAllStandardOutput().endsWith(
+        const testsupport::ProgramRun done = run({requestPath, output});
+        EXPECT_EQ(done.status, 0);
+        EXPECT_TRUE(done.out.endsWith(
             "The output file is the input file, nothing was written: " + output.toLocal8Bit() + "\n"));
         EXPECT_EQ(readBytes(requestPath), request);
     }
@@ -121,10 +113,9 @@ TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
         const QStringList limit{u"LD_PRELOAD="_s + QStringLiteral(FAILING_MALLOC),
                                 u"FAIL_ALLOCATIONS_OVER="_s + QString::number(c.limitMiB << 20)};
 #endif
-        QProcess& done = run({requestPath, printPath}, limit);
-        EXPECT_EQ(done.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(done.exitCode(), 0);
-        EXPECT_EQ(done.readAllStandardOutput().toStdString(),
+        const testsupport::ProgramRun done = run({requestPath, printPath}, limit);
+        EXPECT_EQ(done.status, 0);
+        EXPECT_EQ(done.out.toStdString(),
                   "Error in the method FileReader::open( " + work.path().toStdString()
                       + "/.zentaro/conf/zentaro.conf ): File Not Found\n" + c.message);
         const QByteArray printed = readBytes(printPath);
@@ -146,10 +137,11 @@ TEST_F(PrintRun, WritesTheLocalesCharacterSetByDefault)
     ASSERT_TRUE(writeBytes(requestPath, "<?xml version=\"1.0\" encoding=\"UTF-8\"?><r>"
                                         "<method name=\"printPartialOrder\"/>"
                                         "<receipe number=\"1\" name=\"Caff\xc3\xa8 \xe2\x82\xac \xe2\x80\xa6\"/></r>"));
-    QProcess& done = run({requestPath, printPath}, {u"LOCPATH="_s + locales, u"LC_ALL=it_IT.ISO-8859-15"_s});
-    EXPECT_EQ(done.exitCode(), 0);
+    const testsupport::ProgramRun done =
+        run({requestPath, printPath}, {u"LOCPATH="_s + locales, u"LC_ALL=it_IT.ISO-8859-15"_s});
+    EXPECT_EQ(done.status, 0);
     EXPECT_TRUE(readBytes(printPath).contains("\"1 Caff\xe8 \xa4 ...")) << readBytes(printPath).toStdString();
-    EXPECT_TRUE(done.readAllStandardOutput().endsWith(
+    EXPECT_TRUE(done.out.endsWith(
         "Characters the printer lacks were printed as their closest text: 1 in ISO-8859-15\n"));
 }
 
