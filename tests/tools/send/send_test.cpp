@@ -17,11 +17,7 @@ using testsupport::writeBytes;
 
 namespace {
 
-struct Result
-{
-    int status = -1;
-    QByteArray out, err;
-};
+using Result = testsupport::ProgramRun;
 
 // zentaro-send in a home of its own, without a display: the paper prompt
 // is a line on standard output answered on standard input.
@@ -41,6 +37,7 @@ protected:
                           ("zentaro : {\n" + settings + "};\n").toStdString());
     }
 
+    // For the one test that talks with the program while it runs.
     void start(QProcess& process, const QStringList& arguments) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -53,17 +50,7 @@ protected:
 
     Result send(const QStringList& arguments, const QByteArray& input = {}) const
     {
-        QProcess process;
-        start(process, arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        Result result;
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-            return result;
-        result.status = process.exitCode();
-        result.out = process.readAllStandardOutput();
-        result.err = process.readAllStandardError();
-        return result;
+        return testsupport::runProgram(QStringLiteral(ZENTARO_SEND), arguments, home.path(), input);
     }
 
     QString path(const char* name) const { return home.filePath(QString::fromLatin1(name)); }
