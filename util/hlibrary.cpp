@@ -2,6 +2,7 @@
 
 #include "databasemanager.h"
 #include "diagnostics.h"
+#include "documenttypes.h"
 #include "emptytext.h"
 #include "sleepthread.h"
 #include "syncsingleton.h"
@@ -243,26 +244,12 @@ void HLibrary::hsleep(unsigned seconds)
 
 QString HLibrary::copyNumber(const QString& documentType, const ZTConfiguration* configuration)
 {
-    struct DocumentKey
-    {
-        QLatin1StringView type;
-        QLatin1StringView key;
-    };
-    static constexpr DocumentKey documentKeys[] = {
-        {"order"_L1, "doc"_L1},           {"prefiscal"_L1, "prefiscaldoc"_L1}, {"fiscal"_L1, "fiscaldoc"_L1},
-        {"receipt"_L1, "receiptdoc"_L1},   {"invoice"_L1, "invoicedoc"_L1},     {"delivery"_L1, "deliverydoc"_L1},
-        {"report"_L1, "reportdoc"_L1},
-    };
-
-    const QString type = documentType.toLower();
-    const auto known = std::find_if(std::begin(documentKeys), std::end(documentKeys),
-                                    [&type](const DocumentKey& entry) { return entry.type == type; });
-    QLatin1StringView key = "prefiscaldoc"_L1;
-    if (known != std::end(documentKeys))
-        key = known->key;
-    else
-        printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", type.toLocal8Bit()});
-    return setting(configuration, "zentaro."_L1 + key + ".copyNumber"_L1);
+    const DocumentType* type = DocumentTypes::find(documentType);
+    if (!type) {
+        printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", documentType.toLower().toLocal8Bit()});
+        type = &DocumentTypes::prefiscal;
+    }
+    return setting(configuration, type->copyNumberKey());
 }
 
 QString HLibrary::truncateDecimal(double value)

@@ -53,7 +53,7 @@ public:
     static void hsleep(unsigned seconds);
 
     // How many copies of a document type ("receipt", "invoice", ... in any
-    // case) to print: "zentaro.<type>doc.copyNumber" as text.
+    // case; see DocumentTypes) to print, as the configuration's text.
     static QString copyNumber(const QString& documentType, const ZTConfiguration* configuration = nullptr);
     // An amount with two decimals: dropped beyond the third, then half up
     // (1.235 gives "1.24", 1.005 gives "1.00", -1.239 gives "-1.23").

@@ -66,7 +66,7 @@ TEST(CopyNumber, ReadsTheCountOfTheDocumentType)
     };
     const Case cases[] = {
         {"order", "1"},   {"prefiscal", "2"}, {"fiscal", "3"},  {"receipt", "4"}, {"Receipt", "4"},
-        {"RECEIPT", "4"}, {"invoice", "5"},   {"delivery", "6"}, {"report", "7"},
+        {"RECEIPT", "4"}, {"invoice", "5"},   {"delivery", "6"}, {"report", "7"}, {"sold", "8"},
     };
     testing::internal::CaptureStdout();
     for (const Case& c : cases) {
@@ -81,10 +81,10 @@ TEST(CopyNumber, UnknownTypeIsReportedAndCountsAsPrefiscal)
 {
     const auto configuration = ZTConfiguration::fromText(copySettings);
     testing::internal::CaptureStdout();
-    EXPECT_EQ(HLibrary::copyNumber(u"Sold"_s, configuration.get()), u"2"_s);
+    EXPECT_EQ(HLibrary::copyNumber(u"Kitchen"_s, configuration.get()), u"2"_s);
     EXPECT_EQ(HLibrary::copyNumber(QString(), configuration.get()), u"2"_s);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Error into HLibrary::copyNumber::documentPath: sold\n"
+              "Error into HLibrary::copyNumber::documentPath: kitchen\n"
               "Error into HLibrary::copyNumber::documentPath: \n");
 }
 

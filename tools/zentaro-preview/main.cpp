@@ -9,7 +9,7 @@
 #include "findings.h"
 #include "pngpicture.h"
 #include "preview.h"
-#include "printrun.h"
+#include "catalogue.h"
 #include "textpictures.h"
 #include "ztconfiguration.h"
 

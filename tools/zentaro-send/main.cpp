@@ -7,7 +7,7 @@
 // command line.
 
 #include "hlibrary.h"
-#include "printrun.h"
+#include "catalogue.h"
 #include "syncsingleton.h"
 #include "ztconfiguration.h"
 
