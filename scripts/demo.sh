@@ -52,14 +52,16 @@ cat >"$index" <<'HTML'
 <style>
 body { font-family: sans-serif; background: #f6f5f2; margin: 1.5em; }
 section { margin-bottom: 3em; }
-/* The picture keeps its own width; the request and the print file share
-   what is left and wrap their long lines, so that nothing overlaps and the
-   page never scrolls sideways. */
-.row { display: grid; grid-template-columns: max-content minmax(0, 1fr) minmax(0, 1fr); gap: 1.5em; align-items: start; }
+/* One row per request: the picture (shrunk only when the row is too
+   narrow), the request, which takes what is left and wraps its long lines,
+   and the print file, as wide as its lines up to a limit.  Nothing overlaps
+   and the page never scrolls sideways. */
+.row { display: grid; grid-template-columns: minmax(0, max-content) minmax(14em, 1fr) fit-content(26em);
+       gap: 1em; align-items: start; }
 h3 { margin-top: 0; }
-pre { background: #fff; border: 1px solid #ddd; padding: .6em; font-size: 12px; margin: 0;
+pre { background: #fff; border: 1px solid #ddd; padding: .5em; font-size: 11px; margin: 0;
       white-space: pre-wrap; overflow-wrap: anywhere; }
-img { border: 1px solid #ddd; display: block; margin-bottom: .5em; max-width: 100%; }
+img { border: 1px solid #ddd; display: block; margin-bottom: .5em; max-width: 100%; height: auto; }
 ul.flags { color: #b0201c; font-family: monospace; font-size: 12px; overflow-wrap: anywhere; }
 </style>
 </head>
@@ -97,7 +99,7 @@ render() {
   fi
 
   {
-    printf '<section>\n<h2>%s</h2>\n<div class="row">\n<div><h3>Picture</h3>\n' "$shown"
+    printf '<section id="%s">\n<h2>%s</h2>\n<div class="row">\n<div><h3>Picture</h3>\n' "${base#out/}" "$shown"
     for page in "$base".png "$base"-[0-9]*.png; do
       if [[ -f $page ]]; then
         printf '<img src="%s" alt="%s">\n' "${page#out/}" "$shown"
