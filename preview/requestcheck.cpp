@@ -142,7 +142,7 @@ public:
     {
     }
 
-    void watch(PrinterDriver& renderer, const XmlReader& xmlReader) override
+    void watch(PrinterDriver& renderer, XmlReader& xmlReader) override
     {
         driver = &renderer;
         reader = &xmlReader;

@@ -24,6 +24,8 @@ RenderOutcome renderRequest(QIODevice& in, QIODevice& out, const ZTConfiguration
     // what was rendered reaches the print file even after memory ran out.
     driver.flush();
     outcome.faultLine = reader.faultLine();
+    outcome.faultOffset = reader.faultOffset();
+    outcome.undeclaredEncoding = reader.undeclaredEncoding();
     outcome.replacementSummary = driver.replacementSummary();
     if (driver.writeFailed())
         outcome.writeError = driver.writeError();

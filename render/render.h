@@ -15,8 +15,8 @@ class RenderWatcher : public XmlContentHandler
 {
 public:
     // Called once, before the request is read, with the driver the events
-    // go on to and the reader that delivers them.
-    virtual void watch(PrinterDriver& driver, const XmlReader& reader) = 0;
+    // go on to and the reader that delivers them (which it may set up).
+    virtual void watch(PrinterDriver& driver, XmlReader& reader) = 0;
 };
 
 // What a render did besides writing the print file.
@@ -24,8 +24,12 @@ struct RenderOutcome
 {
     // The request was read to its end (not malformed, no unknown method).
     bool complete = false;
-    // Where the request stops being well-formed; -1 when it does not.
+    // Where the request stops being well-formed (a line, a byte offset);
+    // -1 when it does not.
     qint64 faultLine = -1;
+    qint64 faultOffset = -1;
+    // The encoding a request that declares none was read in.
+    QByteArray undeclaredEncoding;
     // Memory ran out: the print file ends with what was rendered before.
     bool outOfMemory = false;
     // Characters the printer lacks, one line for the end of the run;
