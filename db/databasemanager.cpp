@@ -73,7 +73,7 @@ std::set<DatabaseManager*>& liveManagers()
     return *managers;
 }
 
-// The name of a checked form refused, as the database would have put it.
+// Why a checked form refused a name, reported as a statement error would be.
 QSqlError refusal(const SqlName& name)
 {
     return QSqlError(u"Refused: \"%1\" is not a plain SQL name"_s.arg(name.text), QString(),

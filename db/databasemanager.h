@@ -7,7 +7,6 @@
 #include <QVariantList>
 
 #include <initializer_list>
-
 #include <map>
 #include <memory>
 #include <utility>
@@ -103,9 +102,10 @@ public:
     void commit(QSqlDatabase* db = nullptr);
     void rollback(QSqlDatabase* db = nullptr);
     // Whether the transaction was committed (or rolled back). A transaction
-    // that failed part way is rolled back by the server at its COMMIT: that
-    // answers false. These always use the connection's own calls (the
-    // default connection's when null), reported as begin() reports them.
+    // in which a statement failed is rolled back by the server at its
+    // COMMIT, and commitTransaction answers false. Both use the connection's
+    // own calls (the default connection's when null) and report a failure
+    // as commit() and rollback() do with a connection.
     bool commitTransaction(QSqlDatabase* db = nullptr);
     bool rollbackTransaction(QSqlDatabase* db = nullptr);
 
