@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "textencoding.h"
+#include "xmlreader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -34,7 +35,13 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
     // Every well-formed XML file has a root element; the reader keeps
     // nothing of one that does not parse.
     if (invocation.format == "xml"_L1 && !configuration->document()->firstChild()) {
-        complain(u"cannot read %1: not well-formed XML"_s.arg(invocation.file));
+        // A valid file can hold a value too large for the reader.
+        const qint64 line = configuration->oversizedMarkupLine();
+        const QString why = line < 0
+            ? u"not well-formed XML"_s
+            : u"a start tag or other markup at line %1 is larger than the limit of %2 MiB"_s.arg(line).arg(
+                  XmlReader::largestMarkup >> 20);
+        complain(u"cannot read %1: %2"_s.arg(invocation.file, why));
         return nullptr;
     }
     return configuration;

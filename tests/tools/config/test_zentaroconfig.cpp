@@ -176,6 +176,7 @@ class Failure : public ToolTest, public testing::WithParamInterface<FailureCase>
 TEST_P(Failure, OneLineAndStatus1)
 {
     writeInHome(u"broken.xml"_s, "<zentaro><logger level='x'></zentaro>");
+    writeInHome(u"large.xml"_s, "<zentaro>\n<logger level='" + QByteArray(10 << 20, 'x') + "'/>\n</zentaro>");
     ASSERT_TRUE(QDir(home.path()).mkpath(u"folder"_s));
     const Outcome r = run(GetParam().arguments);
     EXPECT_EQ(r.status, 1);
@@ -192,6 +193,11 @@ INSTANTIATE_TEST_SUITE_P(
         FailureCase{"Folder", {u"-f"_s, u"folder"_s, u"dump"_s}, "", "zentaro-config: cannot read folder: "},
         FailureCase{"MalformedXml", {u"-f"_s, u"broken.xml"_s, u"dump"_s}, "",
                     "zentaro-config: cannot read broken.xml: not well-formed XML"},
+        FailureCase{"ValueOverTheMarkupLimit", {u"-f"_s, u"large.xml"_s, u"dump"_s},
+                    "XML input not read past line 2: a start tag or other markup there is larger than the limit of "
+                    "4 MiB\n",
+                    "zentaro-config: cannot read large.xml: a start tag or other markup at line 2 is larger than the "
+                    "limit of 4 MiB"},
         FailureCase{"UnwritableOutput", {u"write-cfg"_s, u"no/such/folder.conf"_s},
                     "Error in the method Config::buildConfigFile( no/such/folder.conf ): Unable To Open File\n", ""},
         FailureCase{"OutputIsTheInput", {u"write-xml"_s, u"./.zentaro/conf/zentaro.conf"_s}, "",
