@@ -10,12 +10,6 @@
 
 using namespace Qt::StringLiterals;
 
-void complain(const QString& message)
-{
-    const QByteArray line = "zentaro-config: " + message.toLocal8Bit() + '\n';
-    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
-}
-
 std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
 {
     // The readers take a file that cannot be read for an empty one; here
@@ -26,7 +20,7 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
         const QString reason = !info.exists() ? u"no such file"_s
             : !info.isFile()                  ? u"not a regular file"_s
                                               : file.errorString();
-        complain(u"cannot read %1: %2"_s.arg(invocation.file, reason));
+        printError(u"cannot read %1: %2"_s.arg(invocation.file, reason));
         return nullptr;
     }
     file.close();
@@ -34,7 +28,7 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
     // Every well-formed XML file has a root element; the reader keeps
     // nothing of one that does not parse.
     if (invocation.format == "xml"_L1 && !configuration->document()->firstChild()) {
-        complain(u"cannot read %1: not well-formed XML"_s.arg(invocation.file));
+        printError(u"cannot read %1: not well-formed XML"_s.arg(invocation.file));
         return nullptr;
     }
     return configuration;
@@ -65,7 +59,7 @@ bool isTheInput(const QString& output, const Invocation& invocation)
 int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation)
 {
     if (isTheInput(invocation.argument, invocation)) {
-        complain(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
+        printError(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
         return exitFailure;
     }
     // The writers report a file they cannot write on their own line.
