@@ -16,15 +16,14 @@ repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_root=${BUILD_ROOT:-$repo}
 jobs=${JOBS:-$(nproc)}
 build=$build_root/build
+. "$repo/scripts/lib.sh"
 
 "$repo/scripts/deps.sh"
 
 if [[ ! -f $build/CMakeCache.txt ]]; then
-  generator=()
-  if command -v ninja >/dev/null; then generator=(-G Ninja); fi
   # The demo needs the programs only: no test framework on a fresh machine.
   # A build directory the test command made keeps its tests.
-  cmake -S "$repo" -B "$build" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  cmake -S "$repo" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DZENTARO_TESTS=OFF
 fi
 cmake --build "$build" -j "$jobs"

@@ -68,10 +68,12 @@ void askForNewSheet()
 }
 
 // The two files of a copy, read and written one line at a time. A line is
-// read in one piece of at most 127 bytes; a longer line takes several.
+// read in one piece of at most 127 bytes; a longer line takes several. The
+// result says how far the copy came and, once it failed, why.
 class LineCopy
 {
 public:
+    using Failure = HLibrary::CopyResult::Failure;
     enum class Step { Copied, SourceEnded, DestinationFailed };
 
     LineCopy(const QString& src, const QString& dst)
@@ -79,10 +81,15 @@ public:
     {
     }
 
+    // The source first: a file that cannot be read leaves the destination
+    // as it was.
     bool open()
     {
-        return source.open(QIODevice::ReadOnly)
-            && destination.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        if (!source.open(QIODevice::ReadOnly))
+            return fail(Failure::SourceUnreadable, source);
+        if (!destination.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return fail(Failure::DestinationUnopenable, destination);
+        return true;
     }
 
     bool sourceAtEnd() const { return source.atEnd(); }
@@ -94,14 +101,33 @@ public:
         const qint64 length = source.readLine(buffer, sizeof buffer);
         if (length <= 0)
             return Step::SourceEnded;
-        if (destination.write(buffer, length) != length || !destination.flush())
+        if (destination.write(buffer, length) != length || !destination.flush()) {
+            fail(Failure::WriteFailed, destination);
             return Step::DestinationFailed;
+        }
+        ++result.linesWritten;
+        result.bytesWritten += quint64(length);
         return Step::Copied;
     }
 
     void skipLine() { (void)source.readLine(buffer, sizeof buffer); }
 
+    HLibrary::CopyResult noSuchPage()
+    {
+        result.failure = Failure::NoSuchPage;
+        return result;
+    }
+
+    HLibrary::CopyResult result;
+
 private:
+    bool fail(Failure failure, const QFile& file)
+    {
+        result.failure = failure;
+        result.errorText = file.errorString();
+        return false;
+    }
+
     QFile source;
     QFile destination;
     char buffer[128];
@@ -156,9 +182,21 @@ QString HLibrary::fromUtf8(const QString& text)
 
 bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerSheet, unsigned pauseMs)
 {
+    return copyWithResult(src, dst, linesPerSheet, pauseMs).succeeded();
+}
+
+bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPage, unsigned pauseMs,
+                    unsigned page)
+{
+    return copyWithResult(src, dst, linesPerPage, pauseMs, page).succeeded();
+}
+
+HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerSheet,
+                                              unsigned pauseMs)
+{
     LineCopy files(src, dst);
     if (!files.open())
-        return false;
+        return files.result;
     // The counter is tested before it counts the line just written, so the
     // first sheet takes one line more than the others. The suite's sheet
     // lengths are set with that count in mind: keep it.
@@ -166,7 +204,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerShe
     while (!files.sourceAtEnd()) {
         const LineCopy::Step step = files.copyLine();
         if (step == LineCopy::Step::DestinationFailed)
-            return false;
+            return files.result;
         if (step == LineCopy::Step::SourceEnded)
             break;
         if (linesPerSheet != 0 && n >= linesPerSheet) {
@@ -176,20 +214,20 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerShe
         pause(pauseMs);
         ++n;
     }
-    return true;
+    return files.result;
 }
 
-bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPage, unsigned pauseMs,
-                    unsigned page)
+HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerPage,
+                                              unsigned pauseMs, unsigned page)
 {
     LineCopy files(src, dst);
     if (!files.open())
-        return false;
+        return files.result;
     const std::uint64_t linesBefore = std::uint64_t(linesPerPage) * page;
     for (std::uint64_t skipped = 0; skipped < linesBefore; ++skipped) {
         files.skipLine();
         if (files.sourceAtEnd())
-            return false; // the page would be empty
+            return files.noSuchPage();
     }
 
     const auto pageIsFull = [linesPerPage](unsigned written) {
@@ -198,7 +236,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPag
     for (unsigned written = 0; !pageIsFull(written) && !files.sourceAtEnd();) {
         const LineCopy::Step step = files.copyLine();
         if (step == LineCopy::Step::DestinationFailed)
-            return false;
+            return files.result;
         if (step == LineCopy::Step::SourceEnded)
             break;
         ++written;
@@ -206,7 +244,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPag
         if (!pageIsFull(written) && !files.sourceAtEnd())
             pause(pauseMs);
     }
-    return true;
+    return files.result;
 }
 
 bool HLibrary::copy(const QString& src, const QString& dst, const QString& linesPerSheet, const QString& pauseMs)

@@ -11,12 +11,6 @@
 
 using namespace Qt::StringLiterals;
 
-void complain(const QString& message)
-{
-    const QByteArray line = "zentaro-config: " + message.toLocal8Bit() + '\n';
-    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
-}
-
 std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
 {
     // The readers take a file that cannot be read for an empty one; here
@@ -27,7 +21,7 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
         const QString reason = !info.exists() ? u"no such file"_s
             : !info.isFile()                  ? u"not a regular file"_s
                                               : file.errorString();
-        complain(u"cannot read %1: %2"_s.arg(invocation.file, reason));
+        printError(u"cannot read %1: %2"_s.arg(invocation.file, reason));
         return nullptr;
     }
     file.close();
@@ -41,7 +35,7 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
             ? u"not well-formed XML"_s
             : u"a start tag or other markup at line %1 is larger than the limit of %2 MiB"_s.arg(line).arg(
                   XmlReader::largestMarkup >> 20);
-        complain(u"cannot read %1: %2"_s.arg(invocation.file, why));
+        printError(u"cannot read %1: %2"_s.arg(invocation.file, why));
         return nullptr;
     }
     return configuration;
@@ -72,7 +66,7 @@ bool isTheInput(const QString& output, const Invocation& invocation)
 int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation)
 {
     if (isTheInput(invocation.argument, invocation)) {
-        complain(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
+        printError(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
         return exitFailure;
     }
     // The writers report a file they cannot write on their own line.

@@ -1,18 +1,12 @@
 #pragma once
 
 #include "commandline.h"
+#include "toolcommon.h"
 #include "ztconfiguration.h"
 
 #include <QString>
 
 #include <memory>
-
-// Exit statuses: done; not found or a file that could not be read or
-// written; wrong usage.
-enum ExitStatus { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
-
-// One line on standard error, after the program's name.
-void complain(const QString& message);
 
 // The configuration the invocation names, or null after a complaint when
 // the file cannot be read, or is XML that does not parse.
