@@ -1,5 +1,7 @@
 #include "xmlreader.h"
 
+#include "asciiblocks.h"
+
 #include "diagnostics.h"
 
 #include <QIODevice>
@@ -169,7 +171,8 @@ qsizetype widenBlocks(const char* utf8, qsizetype length, char16_t* out, bool bl
 
 qsizetype widenAscii(const char* utf8, qsizetype length, char16_t* out, bool blank)
 {
-    qsizetype i = widenBlocks<quint64>(utf8, length, out, blank, 0);
+    qsizetype i = AsciiBlocks::widen(utf8, length, out, blank);
+    i = widenBlocks<quint64>(utf8, length, out, blank, i);
     i = widenBlocks<quint32>(utf8, length, out, blank, i);
     for (; i < length && static_cast<unsigned char>(utf8[i]) < 0x80; ++i)
         out[i] = blank && isControl(char16_t(utf8[i])) ? u' ' : char16_t(utf8[i]);
@@ -449,7 +452,8 @@ bool XmlReader::parse(QIODevice* input)
     // The parser is freed on the way out, whichever way that is.
     const auto forget = qScopeGuard([this] { d->parser = nullptr; });
     XML_SetUserData(d->parser, d.get());
-    XML_SetElementHandler(d->parser, &Private::onStart, &Private::onEnd);
+    XML_SetElementHandler(d->parser, &Private::onStart,
+                          d->handler.readsEndElements() ? &Private::onEnd : nullptr);
     XML_SetUnknownEncodingHandler(d->parser, &Private::onUnknownEncoding, nullptr);
     XML_SetDoctypeDeclHandler(d->parser, &Private::onStartDoctype, &Private::onEndDoctype);
 

@@ -117,6 +117,9 @@ public:
     virtual bool endElement(const QString& namespaceURI, const QString& localName,
                             const QString& qName);
     virtual bool endDocument() { return true; }
+    // A handler whose endElement does nothing says so here, and the reader
+    // then leaves end tags to expat alone.
+    virtual bool readsEndElements() const { return true; }
 };
 
 // Streams one XML document into a content handler, in one pass that keeps

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "asciiblocks.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
@@ -37,12 +39,7 @@ public:
     // may lack any character outside ASCII.
     bool needsPreparing(QStringView text) const
     {
-        const char16_t limit = everything ? 0x300 : 0x80;
-        for (QChar c : text) {
-            if (c.unicode() >= limit)
-                return true;
-        }
-        return false;
+        return AsciiBlocks::anyAtLeast(text.utf16(), text.size(), everything ? 0x300 : 0x80);
     }
     // The text as the printer prints it: composed (a letter and its
     // combining accent are one character), and each character the code page

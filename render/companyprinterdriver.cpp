@@ -1,5 +1,6 @@
 #include "companyprinterdriver.h"
 
+#include "asciiblocks.h"
 #include "emptytext.h"
 
 #include <algorithm>
@@ -19,13 +20,15 @@ const QString quote = u"\""_s;
 constexpr QStringView blanks(u"                                ");
 
 // Every printed line is searched for the reserved word: by its first letter,
-// which plain item text rarely holds, rather than by a general substring
-// search.
+// which plain item text rarely holds, in a loop of the device's own rather
+// than a general substring search.
 bool containsTotale(QStringView text)
 {
     static constexpr char16_t word[] = u"TOTALE";
     const char16_t* chars = text.utf16();
-    for (qsizetype i = text.indexOf(u'T'); i >= 0 && i + 6 <= text.size(); i = text.indexOf(u'T', i + 1)) {
+    const qsizetype last = text.size() - 6;
+    for (qsizetype i = AsciiBlocks::indexOf(chars, text.size(), u'T'); i >= 0 && i <= last;
+         i = AsciiBlocks::indexOf(chars, text.size(), u'T', i + 1)) {
         if (std::equal(word + 1, word + 6, chars + i + 1))
             return true;
     }
@@ -130,7 +133,7 @@ void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     if (indent)
         line.resize(line.size() + qsizetype(indent), u' ');
-    line.append(printable(withoutReservedWord(text)));
+    line.append(printableLine(withoutReservedWord(text)));
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
@@ -146,10 +149,12 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
         // A left-aligned line needs no measuring: its pieces go out as they
         // are, without being gathered first.
         write(line);
-        for (; indent > unsigned(blanks.size()); indent -= unsigned(blanks.size()))
-            write(blanks);
-        write(blanks.first(indent));
-        write(printable(withoutReservedWord(text)));
+        if (indent) {
+            for (; indent > unsigned(blanks.size()); indent -= unsigned(blanks.size()))
+                write(blanks);
+            write(blanks.first(indent));
+        }
+        write(printableLine(withoutReservedWord(text)));
         write(lineClose);
     }
     line = quote;

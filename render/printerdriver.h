@@ -45,6 +45,7 @@ public:
                       const QString& qName, const XmlAttributes& atts) override;
     bool endElement(const QString& namespaceURI, const QString& localName,
                     const QString& qName) override;
+    bool readsEndElements() const override { return false; }
 
     // Device operations.
     virtual unsigned getPaperWidth() = 0;
@@ -111,6 +112,12 @@ public:
     // Text as the printer of the document in force prints it (see CodePage).
     QString printable(QStringView text) const;
     QString printable(const QString& text) const;
+    // The same for a line about to be printed: a row descriptionRow just
+    // built is printable already and is not read again.
+    QString printableLine(const QString& text) const
+    {
+        return text.constData() == rowBuffer.constData() ? text : printable(text);
+    }
     const CodePage& codePageInForce() const { return *codePage; }
     // Text made printable and padded to `width` printed characters, with
     // `fill` after it (left-aligned) or before it (right-aligned); never cut.

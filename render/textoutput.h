@@ -1,5 +1,7 @@
 #pragma once
 
+#include "asciiblocks.h"
+
 #include <QString>
 #include <QStringEncoder>
 #include <QStringView>
@@ -53,6 +55,9 @@ private:
         // Printers' code pages write ASCII as itself: it is copied four
         // characters at a time where it can.
         if (asciiAsItself) {
+            const qsizetype blocks = AsciiBlocks::narrow(in, end - in, out);
+            in += blocks;
+            out += blocks;
             for (; end - in >= 4; in += 4, out += 4) {
                 quint64 units;
                 std::memcpy(&units, in, 8);
