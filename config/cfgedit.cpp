@@ -154,6 +154,10 @@ public:
         : text(text)
         , outline(text)
     {
+        // New lines end as the file's first line does.
+        const qsizetype firstLineEnd = text.indexOf('\n');
+        if (firstLineEnd > 0 && text[firstLineEnd - 1] == '\r')
+            lineEnd = "\r\n";
     }
 
     // Whether only blanks and tabs stand before `at` on its line; `indent`
@@ -187,7 +191,7 @@ public:
             return spliced(end, 0, ' ' + joinedOnOneLine(lines));
         QByteArray inserted;
         for (const QByteArray& line : lines)
-            inserted += '\n' + indent + line;
+            inserted += lineEnd + indent + line;
         return spliced(end, 0, inserted);
     }
 
@@ -199,7 +203,7 @@ public:
             return spliced(start, 0, joinedOnOneLine(lines) + ' ');
         QByteArray inserted;
         for (const QByteArray& line : lines)
-            inserted += indent + line + '\n';
+            inserted += indent + line + lineEnd;
         return spliced(start - indent.size(), 0, inserted);
     }
 
@@ -214,14 +218,14 @@ public:
         }
         QByteArray inserted;
         for (const QByteArray& line : lines)
-            inserted += indent + "    " + line + '\n';
+            inserted += indent + "    " + line + lineEnd;
         return spliced(brace - indent.size(), 0, inserted);
     }
 
     QByteArray appendAtEnd(const QList<QByteArray>& lines) const
     {
-        const QByteArray separator = text.isEmpty() || text.endsWith('\n') ? "" : "\n";
-        return text + separator + lines.join('\n') + '\n';
+        const QByteArray separator = text.isEmpty() || text.endsWith('\n') ? QByteArray() : lineEnd;
+        return text + separator + lines.join(lineEnd) + lineEnd;
     }
 
     // The value's bytes without the blanks around them, and inside its
@@ -241,6 +245,11 @@ public:
         return spliced(begin, end - begin, needsQuotes ? '"' + bytes + '"' : bytes);
     }
 
+    QString valueOf(const SettingPlace& setting) const
+    {
+        return cfgValue(QByteArrayView(text).sliced(setting.valueAt, setting.valueEnd - setting.valueAt));
+    }
+
     QByteArray spliced(qsizetype at, qsizetype length, const QByteArray& with) const
     {
         return QByteArray(text).replace(at, length, with);
@@ -248,6 +257,7 @@ public:
 
     const QByteArray& text;
     CfgOutline outline;
+    QByteArray lineEnd = "\n";
 };
 
 // The one top-level group that lookup() searches: the first that the reader
@@ -280,8 +290,9 @@ std::optional<QByteArray> edited(const CfgEditor& editor, const QStringList& fie
     int deepest = -1;
     for (int g = 0; g < int(outline.groups.size()); ++g) {
         const GroupPlace& group = outline.groups[g];
-        const int at = group.parent < 0 ? (g == top ? 0 : -1) : level[group.parent] + 1;
-        if (at < 0 || at >= path.size() || (group.parent >= 0 && level[group.parent] < 0) || group.name != path[at])
+        const bool belowPath = group.parent < 0 ? g == top : level[group.parent] >= 0;
+        const int at = group.parent < 0 ? 0 : level[group.parent] + 1;
+        if (!belowPath || at >= path.size() || group.name != path[at])
             continue;
         level[g] = at;
         if (deepest < 0 || at > level[deepest])
@@ -301,8 +312,7 @@ std::optional<QByteArray> edited(const CfgEditor& editor, const QStringList& fie
             continue;
         if (!found)
             found = setting;
-        const QByteArrayView shown = QByteArrayView(editor.text).sliced(setting->valueAt, setting->valueEnd - setting->valueAt);
-        if (!cfgValue(shown).isEmpty()) {
+        if (!editor.valueOf(*setting).isEmpty()) {
             found = setting;
             break;
         }
