@@ -51,7 +51,7 @@ CommandLine::CommandLine()
         "  edit             open the configuration in an editor window"_s);
     m_parser.addOptions({m_fileOption, m_formatOption, m_screenshotOption, m_helpOption, m_versionOption});
     m_parser.addPositionalArgument(u"command"_s, u"get KEY, set KEY VALUE, dump, write-cfg FILE, write-xml FILE or edit."_s,
-                                   u"command [argument]"_s);
+                                   u"command [arguments]"_s);
 }
 
 bool CommandLine::parse(const QStringList& arguments)
