@@ -1,8 +1,10 @@
 #include "catalogue.h"
 
 #include "diagnostics.h"
+#include "ztconfiguration.h"
 
 #include <QFile>
+#include <QLocale>
 #include <QTranslator>
 
 #include <array>
@@ -174,4 +176,18 @@ bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QStr
     // Loading a missing name empties the translator.
     (void)translator.load(QString());
     return false;
+}
+
+void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration)
+{
+    using namespace Qt::StringLiterals;
+    const QString base = configuration.getStrValue(u"zentaro.language.basedir"_s);
+    const QString file = configuration.getStrValue(u"zentaro.language.file"_s);
+    // "/" as the file asks for the catalogue of the system locale in the base
+    // folder; any other value is joined to the base as it stands. Without a
+    // catalogue the labels stay English.
+    if (file == "/"_L1)
+        loadSoundCatalogue(translator, base + "/zentaro_"_L1 + QLocale::system().name(), u"."_s);
+    else
+        loadSoundCatalogue(translator, base + file);
 }

@@ -4,6 +4,7 @@
 #include <QString>
 
 class QTranslator;
+class ZTConfiguration;
 
 // Whether a compiled label catalogue (.qm) holds together: every section
 // within the file, every entry of the hash table pointing at a message, and
@@ -17,3 +18,7 @@ bool isSoundCatalogue(QByteArrayView catalogue);
 // when it is sound; a damaged catalogue gets one line on standard output
 // and leaves the translator empty. Answers whether a catalogue was kept.
 bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QString& directory = {});
+
+// Loads the label catalogue that the configuration's language settings name
+// ("zentaro.language.basedir" and "zentaro.language.file"), if it is sound.
+void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration);

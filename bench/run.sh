@@ -9,13 +9,9 @@ set -eu
 
 repo=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD_DIR:-$repo/build-bench}
-generator=
-if command -v ninja >/dev/null 2>&1; then
-    generator="-G Ninja"
-fi
+. "$repo/scripts/lib.sh"
 
-# shellcheck disable=SC2086 # $generator is two words or none
-cmake -S "$repo" -B "$build" $generator -DCMAKE_BUILD_TYPE=Release -DZENTARO_TESTS=OFF \
+cmake -S "$repo" -B "$build" -DCMAKE_BUILD_TYPE=Release -DZENTARO_TESTS=OFF \
     -DZENTARO_SANITIZE=OFF -DZENTARO_FUZZ=OFF >/dev/null
 cmake --build "$build" --target bench_tools >/dev/null
 

@@ -55,6 +55,7 @@ void Config::startDocument(const QString& fileName, const QString& fileType)
     this->fileName = fileName;
     this->fileType = fileType;
     documentRoot = std::make_unique<ConfigNode>();
+    oversizedLine = -1;
 }
 
 void Config::constructor(const QString& fileName, const QString& fileType)
@@ -197,8 +198,11 @@ void Config::readXml(const QByteArray& bytes)
     QBuffer input;
     input.setData(bytes);
     input.open(QIODevice::ReadOnly);
-    if (parseXml(&input, handler))
+    XmlReader reader(handler);
+    if (reader.parse(&input))
         documentRoot->appendChild(std::move(fileElement));
+    else if (reader.markupTooLarge())
+        oversizedLine = reader.faultLine();
 }
 
 // Only the first group under the file element is ever searched: the first

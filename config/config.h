@@ -50,6 +50,10 @@ public:
     // The root: its children are the top-level elements (the file element).
     // Null before anything was loaded.
     const ConfigNode* document() const;
+    // After reading "xml" text that loaded nothing: the line where a piece
+    // of markup went over the reader's size limit; -1 when that was not why,
+    // or when the text loaded.
+    qint64 oversizedMarkupLine() const { return oversizedLine; }
 
     // Writers. A file form writes the file `name` (fileName when `name` is
     // empty) and answers false, after one diagnostic line, when the file
@@ -94,6 +98,8 @@ private:
     void readCfgStream();
     void readXml(const QByteArray& bytes);
     QString lookupFields(const ConfigNode* start, const QStringView* fields, qsizetype count) const;
+
+    qint64 oversizedLine = -1;
 };
 
 } // namespace libconfig

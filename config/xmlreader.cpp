@@ -314,6 +314,21 @@ struct XmlReader::Private
         });
     }
 
+    // The document type declaration's internal subset is read declaration
+    // by declaration, so the reader's place moves on through it while
+    // expat keeps all of it: it is measured as one piece of markup.
+    static void XMLCALL onStartDoctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int)
+    {
+        auto* d = static_cast<Private*>(data);
+        d->doctypeOffset = XML_GetCurrentByteIndex(d->parser);
+        d->doctypeLine = qint64(XML_GetCurrentLineNumber(d->parser));
+    }
+
+    static void XMLCALL onEndDoctype(void* data)
+    {
+        static_cast<Private*>(data)->doctypeOffset = -1;
+    }
+
     // Single-byte encodings that expat does not know itself are mapped byte
     // by byte through Qt's named decoders.
     static int XMLCALL onUnknownEncoding(void*, const XML_Char* name, XML_Encoding* info)
@@ -349,6 +364,9 @@ struct XmlReader::Private
     std::exception_ptr exception;
     qint64 faultOffset = -1;
     qint64 faultLine = -1;
+    bool markupTooLarge = false;
+    qint64 doctypeOffset = -1; // while inside the document type declaration
+    qint64 doctypeLine = -1;
 };
 
 XmlReader::XmlReader(XmlContentHandler& handler)
@@ -376,6 +394,11 @@ qint64 XmlReader::faultOffset() const
 qint64 XmlReader::faultLine() const
 {
     return d->faultLine;
+}
+
+bool XmlReader::markupTooLarge() const
+{
+    return d->markupTooLarge;
 }
 
 QByteArray XmlReader::undeclaredEncoding() const
@@ -406,6 +429,8 @@ bool XmlReader::parse(QIODevice* input)
     d->exception = nullptr;
     d->faultOffset = -1;
     d->faultLine = -1;
+    d->markupTooLarge = false;
+    d->doctypeOffset = -1;
     if (!d->handler.startDocument())
         return false;
     if (!input || !input->isReadable())
@@ -426,6 +451,7 @@ bool XmlReader::parse(QIODevice* input)
     XML_SetUserData(d->parser, d.get());
     XML_SetElementHandler(d->parser, &Private::onStart, &Private::onEnd);
     XML_SetUnknownEncodingHandler(d->parser, &Private::onUnknownEncoding, nullptr);
+    XML_SetDoctypeDeclHandler(d->parser, &Private::onStartDoctype, &Private::onEndDoctype);
 
     qint64 taken = 0;
     for (;;) {
@@ -453,10 +479,12 @@ bool XmlReader::parse(QIODevice* input)
         // Between two reads the parser's place is the start of what it
         // holds back: one unfinished piece of markup (or, when the read
         // ended between two, the last one it finished).
-        const qint64 place = XML_GetCurrentByteIndex(d->parser);
+        const bool inDoctype = d->doctypeOffset >= 0;
+        const qint64 place = inDoctype ? d->doctypeOffset : XML_GetCurrentByteIndex(d->parser);
         if (place >= 0 && taken - place > largestMarkup) {
             d->faultOffset = place;
-            d->faultLine = qint64(XML_GetCurrentLineNumber(d->parser));
+            d->faultLine = inDoctype ? d->doctypeLine : qint64(XML_GetCurrentLineNumber(d->parser));
+            d->markupTooLarge = true;
             printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
                              ": a start tag or other markup there is larger than the limit of ",
                              QByteArray::number(largestMarkup >> 20), " MiB"});

@@ -128,7 +128,8 @@ public:
 // - endDocument follows only a complete, well-formed document;
 // - names are passed on as written; external entities are never read, and
 //   internal ones may expand a document at most a bounded number of times;
-// - one piece of markup (a start tag, a comment) may take at most
+// - one piece of markup (a start tag, a comment, the document type
+//   declaration with its internal subset) may take at most
 //   largestMarkup bytes: a larger one is a fault, reported on standard
 //   output with its line, so memory stays a small multiple of that.
 // Encodings: what the document declares (UTF-8, UTF-16, ISO-8859-1 and
@@ -164,6 +165,8 @@ public:
     // was read in (empty when it stated one).
     qint64 faultOffset() const;
     qint64 faultLine() const;
+    // Whether that fault was a piece of markup over largestMarkup.
+    bool markupTooLarge() const;
     QByteArray undeclaredEncoding() const;
 
     // Inside a handler's callback: where the markup being delivered starts

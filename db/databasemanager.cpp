@@ -4,6 +4,7 @@
 #include "hlogmanager.h"
 #include "syncsingleton.h"
 
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -72,7 +73,20 @@ std::set<DatabaseManager*>& liveManagers()
     return *managers;
 }
 
+// Why a checked form refused a name, reported as a statement error would be.
+QSqlError refusal(const SqlName& name)
+{
+    return QSqlError(u"Refused: \"%1\" is not a plain SQL name"_s.arg(name.text), QString(),
+                     QSqlError::StatementError);
+}
+
 } // namespace
+
+bool SqlName::isPlain() const
+{
+    static const QRegularExpression plain(uR"(^[A-Za-z_][A-Za-z0-9_$]*(\.[A-Za-z_][A-Za-z0-9_$]*)?$)"_s);
+    return plain.match(text).hasMatch();
+}
 
 DatabaseManager::DatabaseManager()
     : DatabaseManager(SyncSingleton<HLogManager>::instance()->getLog(QString()))
@@ -163,7 +177,8 @@ QSqlDatabase* DatabaseManager::createConnection(const QString& driver, const QSt
     return database.get();
 }
 
-QSqlQuery DatabaseManager::run(const QString& method, const QString& sql, QSqlDatabase* db)
+QSqlQuery DatabaseManager::run(const QString& method, const QString& sql, QSqlDatabase* db,
+                               const QVariantList& bound)
 {
     const QSqlDatabase connection = connectionOrDefault(db);
     QSqlQuery query(connection);
@@ -176,7 +191,13 @@ QSqlQuery DatabaseManager::run(const QString& method, const QString& sql, QSqlDa
         report(method, sql, -1, QSqlError(reason, QString(), QSqlError::ConnectionError));
         return query;
     }
-    query.exec(sql);
+    if (bound.isEmpty()) {
+        query.exec(sql);
+    } else if (query.prepare(sql)) {
+        for (const QVariant& value : bound)
+            query.addBindValue(value);
+        query.exec();
+    }
     showQueryError(method, query);
     return query;
 }
@@ -232,6 +253,47 @@ int DatabaseManager::numRecords(const QString& table, const QString& condition, 
     return query.next() ? query.value(0).toInt() : 0;
 }
 
+bool DatabaseManager::namesArePlain(const QString& method, const QString& sql,
+                                    std::initializer_list<const SqlName*> names)
+{
+    for (const SqlName* name : names) {
+        if (!name->isPlain()) {
+            report(method, sql, -1, refusal(*name));
+            return false;
+        }
+    }
+    return true;
+}
+
+QString DatabaseManager::getField(const SqlName& table, const SqlName& field, qint64 id, QSqlDatabase* db)
+{
+    const QString method = u"DatabaseManager::getField(...)"_s;
+    const QString sql = "select "_L1 + field.text + " from "_L1 + table.text + " where id = ?"_L1;
+    if (!namesArePlain(method, sql, {&table, &field}))
+        return emptyText();
+    QSqlQuery query = run(method, sql, db, {id});
+    return query.next() ? textOf(query.value(0)) : emptyText();
+}
+
+int DatabaseManager::removeRecord(const SqlName& table, qint64 id, QSqlDatabase* db)
+{
+    const QString sql = "delete from "_L1 + table.text + " where ID = ?"_L1;
+    if (!namesArePlain(u"removeRecord"_s, sql, {&table}))
+        return 0;
+    const QSqlQuery query = run(u"removeRecord"_s, sql, db, {id});
+    return std::max(query.numRowsAffected(), 0);
+}
+
+bool DatabaseManager::existRecord(const SqlName& table, qint64 id, QSqlDatabase* db)
+{
+    const QString method = u"DatabaseManager::existRecord(...)"_s;
+    const QString sql = "select * from "_L1 + table.text + " where ID = ?"_L1;
+    if (!namesArePlain(method, sql, {&table}))
+        return false;
+    QSqlQuery query = run(method, sql, db, {id});
+    return query.next();
+}
+
 QString DatabaseManager::executeSelectQuery(const QString& query, QSqlDatabase* db)
 {
     QSqlQuery result = run(u"executeSelectQuery(...)"_s, query, db);
@@ -275,16 +337,52 @@ QString DatabaseManager::setSequence(const QString& sequence, int value, QSqlDat
     return executeSelectQuery("SELECT setval('"_L1 + sequence + "', "_L1 + QString::number(value) + u')', db);
 }
 
-QString DatabaseManager::incrementSequence(const QString& sequence, int n, QSqlDatabase* db)
+QString DatabaseManager::sequenceValue(const SqlName& sequence, QSqlDatabase* db)
+{
+    const QString method = u"executeSelectQuery(...)"_s;
+    const QString sql = "select last_value from "_L1 + sequence.text;
+    if (!namesArePlain(method, sql, {&sequence}))
+        return emptyText();
+    QSqlQuery query = run(method, sql, db);
+    return query.next() ? textOf(query.value(0)) : emptyText();
+}
+
+QString DatabaseManager::setSequence(const SqlName& sequence, qint64 value, QSqlDatabase* db)
+{
+    const QString method = u"executeSelectQuery(...)"_s;
+    const QString sql = u"SELECT setval(?, ?)"_s;
+    if (!namesArePlain(method, sql, {&sequence}))
+        return emptyText();
+    QSqlQuery query = run(method, sql, db, {sequence.text, value});
+    return query.next() ? textOf(query.value(0)) : emptyText();
+}
+
+template<typename Name>
+QString DatabaseManager::moveSequence(const Name& sequence, int n, QSqlDatabase* db)
 {
     const QString before = sequenceValue(sequence, db);
     setSequence(sequence, before.toInt() + n, db);
     return before;
 }
 
+QString DatabaseManager::incrementSequence(const QString& sequence, int n, QSqlDatabase* db)
+{
+    return moveSequence(sequence, n, db);
+}
+
 QString DatabaseManager::decrementSequence(const QString& sequence, int n, QSqlDatabase* db)
 {
-    return incrementSequence(sequence, -n, db);
+    return moveSequence(sequence, -n, db);
+}
+
+QString DatabaseManager::incrementSequence(const SqlName& sequence, int n, QSqlDatabase* db)
+{
+    return moveSequence(sequence, n, db);
+}
+
+QString DatabaseManager::decrementSequence(const SqlName& sequence, int n, QSqlDatabase* db)
+{
+    return moveSequence(sequence, -n, db);
 }
 
 bool DatabaseManager::decrementSequenceIfPositive(const QString& sequence, int n, QSqlDatabase* db)
@@ -300,10 +398,37 @@ void DatabaseManager::transactionStep(const QString& statement, TransactionCall 
     if (!db) {
         executeQuery(statement);
     } else if (!(db->*call)()) {
-        log(Logger::ERROR, "Error in the method "_L1 + statement + ", to connection: "_L1 + db->connectionName());
-        log(Logger::ERROR, reasonOf(db->lastError()));
+        reportTransactionFailure(statement, *db);
     }
     log(Logger::DEBUG, statement + "\n\n"_L1);
+}
+
+void DatabaseManager::reportTransactionFailure(const QString& statement, const QSqlDatabase& db)
+{
+    log(Logger::ERROR, "Error in the method "_L1 + statement + ", to connection: "_L1 + db.connectionName());
+    log(Logger::ERROR, reasonOf(db.lastError()));
+}
+
+// The driver's own call reads the server's answer: a COMMIT of a failed
+// transaction succeeds as a statement but answers "ROLLBACK".
+bool DatabaseManager::transactionEnd(const QString& statement, TransactionCall call, QSqlDatabase* db)
+{
+    QSqlDatabase connection = connectionOrDefault(db);
+    const bool done = (connection.*call)();
+    if (!done)
+        reportTransactionFailure(statement, connection);
+    log(Logger::DEBUG, statement + "\n\n"_L1);
+    return done;
+}
+
+bool DatabaseManager::commitTransaction(QSqlDatabase* db)
+{
+    return transactionEnd(u"COMMIT"_s, &QSqlDatabase::commit, db);
+}
+
+bool DatabaseManager::rollbackTransaction(QSqlDatabase* db)
+{
+    return transactionEnd(u"ROLLBACK"_s, &QSqlDatabase::rollback, db);
 }
 
 void DatabaseManager::begin(QSqlDatabase* db)
@@ -349,4 +474,28 @@ QString DatabaseManager::safeNewRecord(const QString& table, QSqlDatabase* db)
     const QString id = getLastId(table, db);
     commit(db);
     return id;
+}
+
+QString DatabaseManager::getLastId(const SqlName& table, QSqlDatabase* db)
+{
+    if (!namesArePlain(u"getLastId"_s, "select max(ID) from "_L1 + table.text, {&table}))
+        return u"Error"_s;
+    return getLastId(table.text, db);
+}
+
+QString DatabaseManager::newRecord(const SqlName& table, QSqlDatabase* db)
+{
+    if (!namesArePlain(u"newRecord"_s, "insert into "_L1 + table.text + " values(default)"_L1, {&table}))
+        return u"Error"_s;
+    return newRecord(table.text, db);
+}
+
+QString DatabaseManager::safeNewRecord(const SqlName& table, QSqlDatabase* db)
+{
+    if (!namesArePlain(u"newRecord"_s, "insert into "_L1 + table.text + " values(default)"_L1, {&table}))
+        return u"Error"_s;
+    begin(db);
+    insertDefaultRow(table.text, db);
+    const QString id = getLastId(table.text, db);
+    return commitTransaction(db) ? id : u"Error"_s;
 }

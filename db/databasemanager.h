@@ -4,20 +4,42 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <utility>
 
 class QSqlDatabase;
 class QSqlError;
 class QSqlQuery;
 class QSqlTableModel;
 
+// A table, field or sequence name for the checked forms of DatabaseManager:
+// a plain identifier or schema.identifier. The forms refuse anything else.
+struct SqlName
+{
+    explicit SqlName(QString text)
+        : text(std::move(text))
+    {
+    }
+    // Letters, digits, '_' and '$', not starting with a digit or '$';
+    // optionally two such words joined by one '.'.
+    bool isPlain() const;
+
+    QString text;
+};
+
 // The suite's SQL helpers, reached through SyncSingleton<DatabaseManager>.
-// Statements are built by pasting the given names and conditions into the
-// SQL text unquoted: callers pass valid names. Every statement and every
-// failure is reported to the log. A connection argument of null means Qt's
-// default connection.
+// Every statement and every failure is reported to the log. A connection
+// argument of null means Qt's default connection.
+//
+// Forms taking names, ids or conditions as QString paste them into the SQL.
+// Never pass those forms text that came from a request or a user.
+// New code uses the checked forms beside them: names as SqlName, refused
+// (reported like a failed statement) unless plain, and ids as integers bound
+// as parameters.
 class DatabaseManager
 {
 public:
@@ -44,6 +66,10 @@ public:
     QString getField(const QString& table, const QString& field, const QString& id, QSqlDatabase* db = nullptr);
     int removeRecord(const QString& table, const QString& id, QSqlDatabase* db = nullptr);
     bool existRecord(const QString& table, const QString& id, QSqlDatabase* db = nullptr);
+    QString getField(const SqlName& table, const SqlName& field, qint64 id, QSqlDatabase* db = nullptr);
+    int removeRecord(const SqlName& table, qint64 id, QSqlDatabase* db = nullptr);
+    bool existRecord(const SqlName& table, qint64 id, QSqlDatabase* db = nullptr);
+    // `condition` is SQL: it has no checked form.
     int numRecords(const QString& table, const QString& condition, QSqlDatabase* db = nullptr);
 
     // The first column of the first row, or empty text.
@@ -64,6 +90,10 @@ public:
     // Decrements only when the value is at least `n`. The value is read on
     // the default connection whatever `db` is, as the suite always did.
     bool decrementSequenceIfPositive(const QString& sequence, int n, QSqlDatabase* db = nullptr);
+    QString sequenceValue(const SqlName& sequence, QSqlDatabase* db = nullptr);
+    QString setSequence(const SqlName& sequence, qint64 value, QSqlDatabase* db = nullptr);
+    QString incrementSequence(const SqlName& sequence, int n, QSqlDatabase* db = nullptr);
+    QString decrementSequence(const SqlName& sequence, int n, QSqlDatabase* db = nullptr);
 
     // With a null connection these send the statements "BEGIN", "COMMIT" and
     // "ROLLBACK" on the default connection; otherwise they use the
@@ -71,6 +101,13 @@ public:
     void begin(QSqlDatabase* db = nullptr);
     void commit(QSqlDatabase* db = nullptr);
     void rollback(QSqlDatabase* db = nullptr);
+    // Whether the transaction was committed (or rolled back). A transaction
+    // in which a statement failed is rolled back by the server at its
+    // COMMIT, and commitTransaction answers false. Both use the connection's
+    // own calls (the default connection's when null) and report a failure
+    // as commit() and rollback() do with a connection.
+    bool commitTransaction(QSqlDatabase* db = nullptr);
+    bool rollbackTransaction(QSqlDatabase* db = nullptr);
 
     // The highest ID of the table; "Error" when the query gave no row.
     QString getLastId(const QString& table, QSqlDatabase* db = nullptr);
@@ -78,6 +115,10 @@ public:
     QString newRecord(const QString& table, QSqlDatabase* db = nullptr);
     // newRecord inside a transaction.
     QString safeNewRecord(const QString& table, QSqlDatabase* db = nullptr);
+    QString getLastId(const SqlName& table, QSqlDatabase* db = nullptr);
+    QString newRecord(const SqlName& table, QSqlDatabase* db = nullptr);
+    // "Error" also when the commit failed.
+    QString safeNewRecord(const SqlName& table, QSqlDatabase* db = nullptr);
 
     // Reports a query that ran: its text and affected rows at DEBUG, and
     // its error at ERROR when it failed.
@@ -88,9 +129,16 @@ public:
 private:
     using TransactionCall = bool (QSqlDatabase::*)();
 
-    QSqlQuery run(const QString& method, const QString& sql, QSqlDatabase* db);
+    QSqlQuery run(const QString& method, const QString& sql, QSqlDatabase* db, const QVariantList& bound = {});
+    // Whether all `names` are plain; if not, reports `sql` (the statement
+    // they would have made) as refused.
+    bool namesArePlain(const QString& method, const QString& sql, std::initializer_list<const SqlName*> names);
+    template<typename Name>
+    QString moveSequence(const Name& sequence, int n, QSqlDatabase* db);
+    bool transactionEnd(const QString& statement, TransactionCall call, QSqlDatabase* db);
     void report(const QString& method, const QString& sql, int rowsAffected, const QSqlError& error);
     void transactionStep(const QString& statement, TransactionCall call, QSqlDatabase* db);
+    void reportTransactionFailure(const QString& statement, const QSqlDatabase& db);
     void insertDefaultRow(const QString& table, QSqlDatabase* db);
     void log(Logger::Level level, const QString& text);
     void releaseConnections();

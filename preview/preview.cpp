@@ -2,10 +2,8 @@
 #include "printfile.h"
 
 #include "codepage.h"
-#include "companyprinterdriver.h"
-#include "diagnostics.h"
-
-#include <QBuffer>
+#include "documentsettings.h"
+#include "documenttypes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,30 +14,32 @@ namespace {
 // A print file does not say which document it holds: its paper is taken to
 // be the widest that any document type is configured with, so that no
 // document's own lines are flagged as too wide.
-int widestConfiguredPaper(const ZTConfiguration* configuration)
+int widestConfiguredPaper(const ZTConfiguration& configuration)
 {
-    // The driver itself reads the settings, fallback width and all.
-    DiagnosticCapture quiet;
-    CompanyPrinterDriver driver(std::make_unique<QBuffer>(), configuration);
-    int widest = int(driver.getPaperWidth());
-    XmlAttributes method;
-    for (QLatin1StringView name : PrinterDriver::documentMethods()) {
-        method.clear();
-        method.append(u"name"_s, QString(name));
-        driver.startElement({}, u"method"_s, u"method"_s, method);
-        widest = qMax(widest, driver.documentSettings().paperWidth);
-    }
+    int widest = defaultPaperWidth;
+    for (const DocumentType* type : DocumentTypes::all())
+        widest = qMax(widest, readDocumentSettings(configuration, *type).paperWidth);
     return widest;
 }
 
 } // namespace
 
+void applyWidth(std::vector<SectionSetup>& setups, const PreviewSettings& settings)
+{
+    if (settings.width <= 0)
+        return;
+    for (SectionSetup& setup : setups)
+        setup.paperWidth = settings.width;
+}
+
 Paper previewPrintFile(const QByteArray& printFile, const QString& source, const PreviewSettings& settings)
 {
     SectionSetup setup;
-    setup.paperWidth = settings.width > 0 ? settings.width : widestConfiguredPaper(settings.configuration);
+    setup.paperWidth = widestConfiguredPaper(*settings.configuration);
     setup.codePage = settings.codePage.isEmpty() ? CodePage::localeEncoding() : settings.codePage;
-    return readPrintFile(printFile, {setup}, source);
+    std::vector<SectionSetup> setups{setup};
+    applyWidth(setups, settings);
+    return readPrintFile(printFile, setups, source);
 }
 
 Paper previewInput(const QByteArray& input, const QString& source, const PreviewSettings& settings)

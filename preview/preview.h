@@ -11,7 +11,7 @@ namespace preview {
 
 struct PreviewSettings
 {
-    // Settings of the print run, which must outlive the call.
+    // Settings of the print run, which must be given and outlive the call.
     const ZTConfiguration* configuration = nullptr;
     // Paper width in characters for every section; 0: each document's
     // configured paperWidth (for a print file, the widest configured one).

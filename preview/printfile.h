@@ -1,5 +1,6 @@
 #pragma once
 
+#include "documentsettings.h"
 #include "paper.h"
 
 #include <QByteArray>
@@ -15,7 +16,7 @@ struct SectionSetup
 {
     qint64 offset = 0;
     QString method;
-    int paperWidth = 32;
+    int paperWidth = defaultPaperWidth;
     // The print file's bytes from here on are in this code page.
     QByteArray codePage = "UTF-8";
     bool fiscal = false;
@@ -29,6 +30,10 @@ struct SectionSetup
 // are and flagged, as are characters that could not be decoded and control
 // characters.
 Paper readPrintFile(const QByteArray& bytes, const std::vector<SectionSetup>& setups, const QString& source);
+
+struct PreviewSettings;
+// Draws every section `settings.width` wide, when it names a width.
+void applyWidth(std::vector<SectionSetup>& setups, const PreviewSettings& settings);
 
 // Flags the last section when the print file ends inside it: a request
 // that broke off leaves it so, and the paper is not cut.

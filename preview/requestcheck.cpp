@@ -4,9 +4,10 @@
 #include "preview.h"
 #include "printfile.h"
 
-#include "companyprinterdriver.h"
 #include "diagnostics.h"
-#include "requestreading.h"
+#include "documents.h"
+#include "printerdriver.h"
+#include "render.h"
 #include "xmlreader.h"
 #include "ztconfiguration.h"
 
@@ -120,7 +121,7 @@ QString quoted(QStringView text)
 // for each element where its printed lines start in the print file and
 // what is wrong with it. Findings are placed on the lines once the print
 // file is read.
-class RequestChecker : public XmlContentHandler
+class RequestChecker : public RenderWatcher
 {
 public:
     // A finding for the lines printed from `offset` up to `end`; a
@@ -136,23 +137,28 @@ public:
         bool onLastLine = false;
     };
 
-    RequestChecker(CompanyPrinterDriver& driver, const QBuffer& printFile, const QByteArray& request,
-                   const DiagnosticCapture& diagnostics)
-        : driver(driver), printFile(printFile), request(request), diagnostics(diagnostics)
+    RequestChecker(const QBuffer& printFile, const QByteArray& request, const DiagnosticCapture& diagnostics)
+        : printFile(printFile), request(request), diagnostics(diagnostics)
     {
-        driver.logReplacements(&replacements);
     }
-    ~RequestChecker() override { driver.logReplacements(nullptr); }
 
-    void setReader(const XmlReader* xmlReader) { reader = xmlReader; }
+    void watch(PrinterDriver& renderer, XmlReader& xmlReader) override
+    {
+        driver = &renderer;
+        reader = &xmlReader;
+        driver->logReplacements(&replacements);
+    }
 
-    bool startDocument() override { return driver.startDocument(); }
-    bool endDocument() override { return driver.endDocument(); }
+    // The render is over and its driver gone: the print file is complete.
+    void detach() { driver = nullptr; }
+
+    bool startDocument() override { return driver->startDocument(); }
+    bool endDocument() override { return driver->endDocument(); }
 
     bool endElement(const QString& namespaceURI, const QString& localName, const QString& qName) override
     {
         --depth;
-        return driver.endElement(namespaceURI, localName, qName);
+        return driver->endElement(namespaceURI, localName, qName);
     }
 
     bool startElement(const QString& namespaceURI, const QString& localName, const QString& qName,
@@ -162,7 +168,7 @@ public:
         const qint64 before = written();
         const Place tag{reader->currentByteOffset(), reader->currentLine(), reader->currentColumn()};
         const std::size_t replacedBefore = replacements.size();
-        const std::size_t misreadBefore = driver.misreadSettings().size();
+        const std::size_t misreadBefore = driver->misreadSettings().size();
         noteReports(before);
 
         const bool isMethod = isName(qName, "method"_L1);
@@ -172,7 +178,7 @@ public:
         if (!isMethod)
             checkElement(tag, before, qName, atts);
 
-        const bool goOn = driver.startElement(namespaceURI, localName, qName, atts);
+        const bool goOn = driver->startElement(namespaceURI, localName, qName, atts);
         const qint64 after = written();
         // What is wrong with an element shows on the last line it printed:
         // an item's own line rather than the column titles before it.
@@ -181,12 +187,12 @@ public:
             findings[i].onLastLine = true;
         }
         if (isMethod) {
-            setups.push_back({before, driver.method(), driver.documentSettings().paperWidth,
-                              driver.codePageInForce().name(), driver.isFiscal()});
+            setups.push_back({before, driver->method(), driver->documentSettings().paperWidth,
+                              driver->codePageInForce().name(), driver->isFiscal()});
         }
         // The method element reads the document's settings; a few elements
         // read one of their own (the top margin, the fiscal description width).
-        const auto& misread = driver.misreadSettings();
+        const auto& misread = driver->misreadSettings();
         for (std::size_t i = misreadBefore; i < misread.size(); ++i)
             noteSetting(before, misread[i]);
         for (std::size_t i = replacedBefore; i < replacements.size(); ++i)
@@ -236,7 +242,8 @@ private:
     // Where the print file has got to, with the driver's buffered text in it.
     qint64 written()
     {
-        driver.flush();
+        if (driver)
+            driver->flush();
         return printFile.size();
     }
 
@@ -247,12 +254,14 @@ private:
         const QStringView name = atts.value("name"_L1);
         const qint64 here = written();
         sawMethod = true;
-        document = RequestReading::document(name);
+        document = Documents::find(name);
         if (!document) {
             QString what = "method "_L1 + quoted(name)
                            + " is no document method: the print run reports \"File Format Not Supported\""
                              " and prints nothing from here on"_L1;
-            std::vector<QLatin1StringView> methods = PrinterDriver::documentMethods();
+            std::vector<QLatin1StringView> methods;
+            for (const Documents::Document& known : Documents::all())
+                methods.push_back(known.method);
             if (const QString meant = likelyMeant(name, methods); !meant.isEmpty())
                 what += "; did you mean "_L1 + quoted(meant) + u'?';
             addRequestFinding(here, tag, what, "unknown method "_L1 + quoted(name));
@@ -282,7 +291,7 @@ private:
             }
             return;
         }
-        const RequestReading::Element* element = document->element(qName);
+        const Documents::Element* element = document->element(qName);
         const QString method = document->method;
         if (!element) {
             QString what = "element <"_L1 + qName + "> is not read by "_L1 + method;
@@ -301,7 +310,7 @@ private:
             QString what = "attribute "_L1 + quoted(attribute) + " of <"_L1 + qName + "> is not read by "_L1 + method;
             QString note = quoted(attribute) + " not read"_L1;
             std::vector<QLatin1StringView> known;
-            for (const RequestReading::Attribute& candidate : element->attributes)
+            for (const Documents::Attribute& candidate : element->attributes)
                 known.push_back(candidate.name);
             if (const QString meant = likelyMeant(attribute, known); !meant.isEmpty()) {
                 what += "; did you mean "_L1 + quoted(meant) + u'?';
@@ -315,10 +324,10 @@ private:
     {
         std::vector<QLatin1StringView> names;
         if (document->sharesSections) {
-            for (const RequestReading::Element& section : RequestReading::sectionElements())
+            for (const Documents::Element& section : Documents::sectionElements())
                 names.push_back(section.name);
         }
-        for (const RequestReading::Element& own : document->own)
+        for (const Documents::Element& own : document->own)
             names.push_back(own.name);
         return names;
     }
@@ -328,7 +337,7 @@ private:
         findings.push_back({here, here, {Flag::Kind::Request, what, note, place.line, place.column}, {}});
     }
 
-    void noteSetting(qint64 here, const PrinterDriver::MisreadSetting& setting)
+    void noteSetting(qint64 here, const MisreadSetting& setting)
     {
         const QString what = "setting "_L1 + setting.key + " = "_L1 + quoted(setting.text)
                              + (setting.isSwitch ? " reads as false: a switch is on only for \"true\""_L1
@@ -341,19 +350,19 @@ private:
     void noteReplacement(qint64 from, qint64 to, const CodePage::Replacement& replacement)
     {
         const QString character = QString::fromUcs4(&replacement.character, 1);
-        const QString page = QString::fromLatin1(driver.codePageInForce().name());
+        const QString page = QString::fromLatin1(driver->codePageInForce().name());
         const QString what = quoted(character) + " is not in code page "_L1 + page + ": printed as "_L1
                              + quoted(replacement.printed);
         const QString note = character + " printed as "_L1 + replacement.printed;
         findings.push_back({from, to, {Flag::Kind::Unprintable, what, note}, replacement});
     }
 
-    CompanyPrinterDriver& driver;
+    PrinterDriver* driver = nullptr;
     const QBuffer& printFile;
     const QByteArray& request;
     const DiagnosticCapture& diagnostics;
     const XmlReader* reader = nullptr;
-    const RequestReading::Document* document = nullptr;
+    const Documents::Document* document = nullptr;
     int depth = 0;
     bool sawMethod = false;
     bool faulty = false;
@@ -441,40 +450,26 @@ void place(Paper& paper, const RowIndex& index, const RequestChecker::Finding& f
 Paper previewRequest(const QByteArray& request, const QString& source, const PreviewSettings& settings)
 {
     DiagnosticCapture diagnostics;
-    auto buffer = std::make_unique<QBuffer>();
-    const QBuffer& printFile = *buffer;
-    CompanyPrinterDriver driver(std::move(buffer), settings.configuration);
-
+    QBuffer printFile;
     QBuffer input;
     input.setData(request);
     input.open(QIODevice::ReadOnly);
-    RequestChecker checker(driver, printFile, request, diagnostics);
-    XmlReader reader(checker);
-    reader.setBlankControlCharacters(true);
-    checker.setReader(&reader);
-    bool ranOutOfMemory = false;
-    try {
-        reader.parse(&input);
-    } catch (const std::bad_alloc&) {
-        ranOutOfMemory = true;
-    }
-    if (reader.faultLine() >= 0)
-        checker.noteFault(reader.faultLine());
+    RequestChecker checker(printFile, request, diagnostics);
+    const RenderOutcome outcome = renderRequest(input, printFile, *settings.configuration, &checker);
+    checker.detach();
+    if (outcome.faultLine >= 0)
+        checker.noteFault(outcome.faultLine);
     checker.noteEnd();
-    driver.flush();
 
     std::vector<SectionSetup> setups = checker.sectionSetups();
     if (setups.empty() || setups.front().offset > 0)
-        setups.insert(setups.begin(), SectionSetup{0, {}, int(driver.getPaperWidth()), CodePage::localeEncoding()});
-    if (settings.width > 0) {
-        for (SectionSetup& setup : setups)
-            setup.paperWidth = settings.width;
-    }
+        setups.insert(setups.begin(), SectionSetup{0, {}, defaultPaperWidth, CodePage::localeEncoding()});
+    applyWidth(setups, settings);
     Paper paper = readPrintFile(printFile.data(), setups, source);
     const RowIndex index(paper);
     for (const RequestChecker::Finding& finding : checker.found())
         place(paper, index, finding);
-    if (ranOutOfMemory)
+    if (outcome.outOfMemory)
         paper.unplaced.push_back({Flag::Kind::Notice, u"out of memory: the request was read only in part"_s,
                                   u"out of memory"_s});
     return paper;

@@ -8,10 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr unsigned deviceWidth = 32;
 // The longest buffered line that still gets a centring pad: beyond it the
 // device's unsigned pad arithmetic would wrap, so such lines stay unpadded.
-constexpr qsizetype longestCentredLine = deviceWidth + 7;
+constexpr qsizetype longestCentredLine = defaultPaperWidth + 7;
 
 constexpr QLatin1StringView fiscalLineEnd("\r\n");
 constexpr QStringView lineClose(u"\"@\n");
@@ -73,38 +72,31 @@ double leadingCommaNumber(const QString& text)
 
 } // namespace
 
-CompanyPrinterDriver::CompanyPrinterDriver(const QString& fileName,
-                                           const ZTConfiguration* configuration)
-    : PrinterDriver(fileName, false, configuration), line(emptyText())
-{
-}
-
-CompanyPrinterDriver::CompanyPrinterDriver(std::unique_ptr<QIODevice> device,
-                                           const ZTConfiguration* configuration)
-    : PrinterDriver(std::move(device), configuration), line(emptyText())
+CompanyPrinterDriver::CompanyPrinterDriver(QIODevice& device, const ZTConfiguration& configuration)
+    : PrinterDriver(device, configuration), line(emptyText())
 {
 }
 
 unsigned CompanyPrinterDriver::getPaperWidth()
 {
-    return deviceWidth;
+    return defaultPaperWidth;
 }
 
 void CompanyPrinterDriver::setBold() {}
 
 void CompanyPrinterDriver::setCharSize()
 {
-    justify = u"left"_s;
+    justify = Justification::Left;
 }
 
 void CompanyPrinterDriver::setCharSize(int)
 {
-    justify = u"left"_s;
+    justify = Justification::Left;
 }
 
 void CompanyPrinterDriver::setCenterJustify()
 {
-    justify = u"center"_s;
+    justify = Justification::Center;
 }
 
 void CompanyPrinterDriver::fullCut() {}
@@ -143,7 +135,7 @@ void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
 {
-    if (justify == "center"_L1) {
+    if (justify == Justification::Center) {
         print(indent, text);
         line.append(lineClose);
         const qsizetype length = printedLength(line);

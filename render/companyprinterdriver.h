@@ -8,10 +8,7 @@
 class CompanyPrinterDriver : public PrinterDriver
 {
 public:
-    explicit CompanyPrinterDriver(const QString& fileName,
-                                  const ZTConfiguration* configuration = nullptr);
-    explicit CompanyPrinterDriver(std::unique_ptr<QIODevice> device,
-                                  const ZTConfiguration* configuration = nullptr);
+    CompanyPrinterDriver(QIODevice& device, const ZTConfiguration& configuration);
 
     unsigned getPaperWidth() override;
     void setBold() override;

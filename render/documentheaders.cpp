@@ -1,6 +1,7 @@
 // The top of a document: margins, printer, free headers, company, document
 // numbers, order information and the customer block.
 #include "printerdriver.h"
+#include "ztconfiguration.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +16,7 @@ void PrinterDriver::printGeometry(const XmlAttributes&)
     if (!settings.printGeometry)
         return;
     // A runaway margin would only fill the disk.
-    const int topMargin = boundedSetting("topMargin"_L1);
+    const int topMargin = readWidthSetting(*config, docPath + "topMargin"_L1, &misread);
     for (int i = 0; i < topMargin; ++i)
         println(QString());
 }
@@ -26,6 +27,27 @@ void PrinterDriver::printPrinterInfo()
     setCenterJustify();
     println(printerInfo);
     printSeparatorLine();
+}
+
+void PrinterDriver::storePrinter(const XmlAttributes& atts)
+{
+    printerInfo = atts.value("name"_L1).toString();
+    charsize = atts.value("charsize"_L1).toString();
+    ipaddress = atts.value("ipaddress"_L1).toString();
+    port = atts.value("port"_L1).toString();
+    initPrinter();
+}
+
+// The free header lines, then the printer's name whatever the switch.
+void PrinterDriver::printHeaderLines(const XmlAttributes& atts)
+{
+    printHeaders(atts);
+    printPrinterInfo();
+}
+
+void PrinterDriver::printLogoElement(const XmlAttributes&)
+{
+    printLogo();
 }
 
 void PrinterDriver::printHeaders(const XmlAttributes& atts)

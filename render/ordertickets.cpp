@@ -1,5 +1,4 @@
-// Order tickets (the kitchen ticket and the priced pre-bill), and the header
-// elements every list document shares.
+// Order tickets: the kitchen ticket and the priced pre-bill.
 #include "printerdriver.h"
 #include "rowlayout.h"
 
@@ -27,93 +26,44 @@ QString variantText(QStringView quantity, QStringView name)
 
 } // namespace
 
-namespace {
-
-// The header elements every list document shares, and what each prints.
-struct Section
+// The kitchen ticket: the dishes by number, other dishes larger, and the
+// changes to a dish.
+void PrinterDriver::printTicketItem(const XmlAttributes& atts)
 {
-    QLatin1StringView name;
-    void (*print)(PrinterDriver& driver, const XmlAttributes& atts);
-};
-
-const Section sections[] = {
-    {"printers"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.storePrinter(atts); }},
-    {"geometry"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printGeometry(atts); }},
-    {"headers"_L1,
-     [](PrinterDriver& d, const XmlAttributes& atts) {
-         d.printHeaders(atts);
-         d.printPrinterInfo();
-     }},
-    {"logo"_L1, [](PrinterDriver& d, const XmlAttributes&) { d.printLogo(); }},
-    {"company"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printCompanyHeader(atts); }},
-    {"receipt"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printReceiptHeader(atts); }},
-    {"invoice"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printInvoiceHeader(atts); }},
-    {"delivery"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printDeliveryHeader(atts); }},
-    {"orderinfo"_L1, [](PrinterDriver& d, const XmlAttributes& atts) { d.printOrderInfo(atts); }},
-};
-
-} // namespace
-
-bool PrinterDriver::printSections(const QString& name, const XmlAttributes& atts)
-{
-    for (const Section& section : sections) {
-        if (isName(name, section.name)) {
-            section.print(*this, atts);
-            return true;
-        }
-    }
-    return false;
+    setCharSize();
+    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {}, {}, dot, qd));
 }
 
-void PrinterDriver::storePrinter(const XmlAttributes& atts)
+void PrinterDriver::printTicketOtherItem(const XmlAttributes& atts)
 {
-    printerInfo = atts.value("name"_L1).toString();
-    charsize = atts.value("charsize"_L1).toString();
-    ipaddress = atts.value("ipaddress"_L1).toString();
-    port = atts.value("port"_L1).toString();
-    initPrinter();
+    setCharSize(1);
+    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {}, {}, dot, qd));
 }
 
-void PrinterDriver::printFullOrder(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printTicketVariant(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
+    println(descriptionRow(atts.value("number"_L1),
+                           variantText(atts.value("quantity"_L1), atts.value("name"_L1)), {}, {}, dot, qd));
+}
+
+// The pre-bill: priced dishes and their changes, and the total in bold.
+void PrinterDriver::printPreBillItem(const XmlAttributes& atts)
+{
+    // Items whose name begins with "=" are internal and never printed.
+    if (atts.value("name"_L1).startsWith(u'='))
         return;
-
-    if (isName(qName, "customer"_L1)) {
-        printCustomerHeader(atts);
-    } else if (isName(qName, "receipe"_L1)) {
-        // Items whose name begins with "=" are internal and never printed.
-        if (atts.value("name"_L1).startsWith(u'='))
-            return;
-        printPricedItem(atts, qdpt);
-    } else if (isName(qName, "variant"_L1)) {
-        println(descriptionRow(atts.value("number"_L1),
-                               variantText(atts.value("quantity"_L1), atts.value("name"_L1)),
-                               atts.value("price"_L1), atts.value("totalPrice"_L1), dot, qdpt));
-    } else if (isName(qName, "total"_L1)) {
-        println(QString());
-        setBold();
-        printTotalLine(tr("TOTAL"), atts.value("price"_L1));
-    }
+    printPricedItem(atts, qdpt);
 }
 
-void PrinterDriver::printPartialOrder(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printPreBillVariant(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
+    println(descriptionRow(atts.value("number"_L1), variantText(atts.value("quantity"_L1), atts.value("name"_L1)),
+                           atts.value("price"_L1), atts.value("totalPrice"_L1), dot, qdpt));
+}
 
-    const auto ticketLine = [&](QStringView name) {
-        println(descriptionRow(atts.value("number"_L1), name, {}, {}, dot, qd));
-    };
-    if (isName(qName, "customer"_L1)) {
-        printCustomerHeader(atts);
-    } else if (isName(qName, "receipe"_L1)) {
-        setCharSize();
-        ticketLine(atts.value("name"_L1));
-    } else if (isName(qName, "otherreceipe"_L1)) {
-        setCharSize(1);
-        ticketLine(atts.value("name"_L1));
-    } else if (isName(qName, "variant"_L1)) {
-        ticketLine(variantText(atts.value("quantity"_L1), atts.value("name"_L1)));
-    }
+void PrinterDriver::printPreBillTotal(const XmlAttributes& atts)
+{
+    println(QString());
+    setBold();
+    printTotalLine(tr("TOTAL"), atts.value("price"_L1));
 }

@@ -51,85 +51,100 @@ private:
     int valueColumn;
 };
 
+// The columns of the tax-rate table, right-aligned.
+QString taxColumn(const PrinterDriver& driver, QStringView text, int width = 10)
+{
+    return driver.justified(text, width, u' ', Qt::AlignRight);
+}
+
+// The columns of the cancelled documents, left-aligned.
+QString cancelledColumn(const PrinterDriver& driver, QStringView text, int width)
+{
+    return driver.justified(text, width, u' ', Qt::AlignLeft);
+}
+
 } // namespace
 
-void PrinterDriver::printReport(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printReportPeriod(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
+    setBold();
+    setCenterJustify();
+    println(QString());
+    println(tr("SUMMARIES"));
+    // Unlike the other titles, the blank line here is still centred.
+    println(QString());
+    setCharSize();
+    print(0, tr("BeginDate: "));
+    println(atts.value("begindate"_L1).toString());
+    print(0, tr("EndDate: "));
+    println(atts.value("enddate"_L1).toString());
+}
 
+void PrinterDriver::printPrefiscalSummary(const XmlAttributes& atts)
+{
     ReportWriter report(*this, settings.paperWidth);
-    // The columns of the tax-rate table, and of the cancelled documents.
-    const auto taxColumn = [this](QStringView text, int width = 10) {
-        return justified(text, width, u' ', Qt::AlignRight);
-    };
-    const auto cancelledColumn = [this](QStringView text, int width) {
-        return justified(text, width, u' ', Qt::AlignLeft);
-    };
-    const auto value = [&atts](const char* name) { return atts.value(QLatin1StringView(name)); };
-    if (isName(qName, "date"_L1)) {
-        setBold();
-        setCenterJustify();
-        println(QString());
-        println(tr("SUMMARIES"));
-        // Unlike the other titles, the blank line here is still centred.
-        println(QString());
-        setCharSize();
-        print(0, tr("BeginDate: "));
-        println(value("begindate").toString());
-        print(0, tr("EndDate: "));
-        println(value("enddate").toString());
-    } else if (isName(qName, "prefiscalssummary"_L1)) {
-        report.titleBlock(QT_TR_NOOP("PREFISCAL SUMMARY"));
-        report.labelLine(QT_TR_NOOP("Number"), value("number"));
-        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
-    } else if (isName(qName, "receiptssummary"_L1)) {
-        report.titleBlock(QT_TR_NOOP("RECEIPTS SUMMARY"));
-        report.labelLine(QT_TR_NOOP("Number"), value("number"));
-        report.serialRange(atts);
-        println(tr("Amount not paid: ") + value("notPaid").toString());
-        println(tr("Cash: ") + value("cash").toString());
-        println(tr("Credit Card: ") + value("creditCard").toString());
-        println(tr("Bancomat: ") + value("bancomat").toString());
-        println(tr("Other: ") + value("other").toString());
-        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
-        println(QString());
-        printSeparatorLine();
-        println(taxColumn(tr("TAXRATE"), 6) + u' ' + taxColumn(tr("TAXABLE")) + u' '
-                + taxColumn(tr("TAX")) + u' ' + taxColumn(tr("AMOUNT")));
-    } else if (isName(qName, "taxrate_item"_L1)) {
-        // The row differs from its heading on purpose: "% " after the rate
-        // and one trailing blank.
-        println(taxColumn(value("taxrate"), 6) + "% "_L1
-                + taxColumn(value("taxable")) + u' ' + taxColumn(value("tax")) + u' '
-                + taxColumn(value("amount")) + u' ');
-    } else if (isName(qName, "invoicessummary"_L1)) {
-        printSeparatorLine();
-        println(QString());
-        report.titleBlock(QT_TR_NOOP("INVOICES SUMMARY"));
-        report.labelLine(QT_TR_NOOP("Number"), value("number"));
-        report.serialRange(atts);
-        report.labelLine(QT_TR_NOOP("Taxable"), value("taxable"));
-        report.labelLine(QT_TR_NOOP("Tax"), value("tax"));
-        report.labelLine(QT_TR_NOOP("TOTAL"), value("total"));
-    } else if (isName(qName, "cancelledsummary"_L1)) {
-        report.titleBlock(QT_TR_NOOP("CANCELLED DOC SUMMARY"));
-        report.labelLine(QT_TR_NOOP("Number"), value("number"));
-        report.labelLine(QT_TR_NOOP("TOTAL"), value("totals"));
-        setBold();
-        println(QString());
-        print(0, cancelledColumn(tr("SERIAL"), 10));
-        print(0, cancelledColumn(tr("TOTAL"), 11));
-        println(cancelledColumn(tr("TAXRATE"), 10));
-        // The cancelled documents follow "number" and "totals" as groups of
-        // three attributes (serial, total, tax rate), read by position.
-        const auto at = [&atts](qsizetype i) {
-            return i < atts.size() ? atts.at(i).value() : QStringView();
-        };
-        for (qsizetype i = 2; i < atts.size(); i += 3) {
-            print(0, cancelledColumn(at(i), 10));
-            print(0, cancelledColumn(at(i + 1), 11));
-            println(cancelledColumn(at(i + 2), 10));
-        }
+    report.titleBlock(QT_TR_NOOP("PREFISCAL SUMMARY"));
+    report.labelLine(QT_TR_NOOP("Number"), atts.value("number"_L1));
+    report.labelLine(QT_TR_NOOP("TOTAL"), atts.value("total"_L1));
+}
+
+void PrinterDriver::printReceiptsSummary(const XmlAttributes& atts)
+{
+    ReportWriter report(*this, settings.paperWidth);
+    report.titleBlock(QT_TR_NOOP("RECEIPTS SUMMARY"));
+    report.labelLine(QT_TR_NOOP("Number"), atts.value("number"_L1));
+    report.serialRange(atts);
+    println(tr("Amount not paid: ") + atts.value("notPaid"_L1).toString());
+    println(tr("Cash: ") + atts.value("cash"_L1).toString());
+    println(tr("Credit Card: ") + atts.value("creditCard"_L1).toString());
+    println(tr("Bancomat: ") + atts.value("bancomat"_L1).toString());
+    println(tr("Other: ") + atts.value("other"_L1).toString());
+    report.labelLine(QT_TR_NOOP("TOTAL"), atts.value("total"_L1));
+    println(QString());
+    printSeparatorLine();
+    println(taxColumn(*this, tr("TAXRATE"), 6) + u' ' + taxColumn(*this, tr("TAXABLE")) + u' '
+            + taxColumn(*this, tr("TAX")) + u' ' + taxColumn(*this, tr("AMOUNT")));
+}
+
+void PrinterDriver::printTaxRateRow(const XmlAttributes& atts)
+{
+    // The row differs from its heading on purpose: "% " after the rate
+    // and one trailing blank.
+    println(taxColumn(*this, atts.value("taxrate"_L1), 6) + "% "_L1 + taxColumn(*this, atts.value("taxable"_L1))
+            + u' ' + taxColumn(*this, atts.value("tax"_L1)) + u' ' + taxColumn(*this, atts.value("amount"_L1))
+            + u' ');
+}
+
+void PrinterDriver::printInvoicesSummary(const XmlAttributes& atts)
+{
+    ReportWriter report(*this, settings.paperWidth);
+    printSeparatorLine();
+    println(QString());
+    report.titleBlock(QT_TR_NOOP("INVOICES SUMMARY"));
+    report.labelLine(QT_TR_NOOP("Number"), atts.value("number"_L1));
+    report.serialRange(atts);
+    report.labelLine(QT_TR_NOOP("Taxable"), atts.value("taxable"_L1));
+    report.labelLine(QT_TR_NOOP("Tax"), atts.value("tax"_L1));
+    report.labelLine(QT_TR_NOOP("TOTAL"), atts.value("total"_L1));
+}
+
+void PrinterDriver::printCancelledSummary(const XmlAttributes& atts)
+{
+    ReportWriter report(*this, settings.paperWidth);
+    report.titleBlock(QT_TR_NOOP("CANCELLED DOC SUMMARY"));
+    report.labelLine(QT_TR_NOOP("Number"), atts.value("number"_L1));
+    report.labelLine(QT_TR_NOOP("TOTAL"), atts.value("totals"_L1));
+    setBold();
+    println(QString());
+    print(0, cancelledColumn(*this, tr("SERIAL"), 10));
+    print(0, cancelledColumn(*this, tr("TOTAL"), 11));
+    println(cancelledColumn(*this, tr("TAXRATE"), 10));
+    // The cancelled documents follow "number" and "totals" as groups of
+    // three attributes (serial, total, tax rate), read by position.
+    const auto at = [&atts](qsizetype i) { return i < atts.size() ? atts.at(i).value() : QStringView(); };
+    for (qsizetype i = 2; i < atts.size(); i += 3) {
+        print(0, cancelledColumn(*this, at(i), 10));
+        print(0, cancelledColumn(*this, at(i + 1), 11));
+        println(cancelledColumn(*this, at(i + 2), 10));
     }
 }

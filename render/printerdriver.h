@@ -1,6 +1,8 @@
 #pragma once
 
 #include "codepage.h"
+#include "documents.h"
+#include "documentsettings.h"
 #include "textoutput.h"
 #include "xmlreader.h"
 
@@ -11,55 +13,27 @@
 #include <memory>
 #include <vector>
 
+struct DocumentType;
 class ZTConfiguration;
 
-// Settings of one document type, read from "<prefix><key word>" keys; each
-// field bears the name of the key word that fills it.
-struct DocumentSettings
-{
-    int quantityFieldWidth = 0;
-    int priceFieldWidth = 0;
-    int totalPriceFieldWidth = 0;
-    int paperWidth = 0;
-    int paperRows = 0;
-    QString style;  // free text; read with the others, used by no document
-
-    bool printGeometry = false;
-    bool printHeader = false;
-    bool printLogo = false;
-    bool printCompany = false;
-    bool printDeliveryAddress = false;
-    bool printTelephone = false;
-    bool printDate = false;
-    bool printTime = false;
-    bool printTable = false;
-    bool printCustomer = false;
-    bool printBillingAddress = false;
-    bool printLicenseNumber = false;
-    bool printFiscalCode = false;
-    bool printCredit = false;
-    bool printWaiter = false;
-    bool printNote = false;
-    bool openCashDrawer = false;
-};
-
-// The content handler behind every print run: it picks the document method
-// named by the request's "method" element, loads that document type's
-// settings and hands each later element to the method. Concrete devices
-// supply the operations that write bytes.
+// The content handler behind every print run: the request's "method"
+// element chooses a document of the table in documents.h, whose type's
+// settings are loaded; each later element goes to the operation the table
+// gives it. Concrete devices supply the operations that write bytes.
+//
+// The members and virtual operations keep the names of the suite's own
+// driver, including state this renderer only stores (the printer's
+// charsize, ipaddress and port, the credit, paperRows), so that code written
+// against it reads the same. The suite's document methods
+// (printFullOrderReceipt, ...) are the entries of the document table.
 class PrinterDriver : public XmlContentHandler
 {
     Q_DECLARE_TR_FUNCTIONS(PrinterDriver)
 
 public:
-    // Settings come from `configuration`, which must outlive the driver;
-    // without one, from the user's configuration (the process singleton).
-    PrinterDriver(const QString& fileName, bool append, const ZTConfiguration* configuration = nullptr);
-    // Writes to an already constructed device (a buffer in tests, memory for
-    // a preview); the driver takes ownership and opens it for writing if it
-    // is not open yet.
-    explicit PrinterDriver(std::unique_ptr<QIODevice> device,
-                           const ZTConfiguration* configuration = nullptr);
+    // Writes to `device`, opening it for writing if it is not open yet;
+    // both must outlive the driver.
+    PrinterDriver(QIODevice& device, const ZTConfiguration& configuration);
     ~PrinterDriver() override;
 
     PrinterDriver(const PrinterDriver&) = delete;
@@ -103,44 +77,36 @@ public:
     virtual void printDeliveryHeader(const XmlAttributes& atts);
     virtual void printCustomerHeader(const XmlAttributes& atts);
     virtual void printOrderInfo(const XmlAttributes& atts);
+    // Prints `name` if it is one of the header elements every list
+    // document shares; answers whether it was.
     virtual bool printSections(const QString& name, const XmlAttributes& atts);
-    // Keeps the printer's name and connection from the "printers" element.
-    void storePrinter(const XmlAttributes& atts);
     virtual void printColumnsHeader(const QString& a1, const QString& a2,
                                     const QString& a3, const QString& a4);
-
-    // Document methods: each prints what one element of the request adds.
-    virtual void printPartialOrder(const QString& qName, const XmlAttributes& atts);
-    virtual void printFullOrder(const QString& qName, const XmlAttributes& atts);
-    virtual void printFullOrderReceipt(const QString& qName, const XmlAttributes& atts);
-    virtual void printFullOrderInvoice(const QString& qName, const XmlAttributes& atts);
-    virtual void printFullOrderDelivery(const QString& qName, const XmlAttributes& atts);
-    virtual void printFullOrderFiscal(const QString& qName, const XmlAttributes& atts);
-    virtual void printAbstractOrder(const QString& qName, const XmlAttributes& atts);
-    virtual void printAbstractOrderReceipt(const QString& qName, const XmlAttributes& atts);
-    virtual void printAbstractOrderInvoice(const QString& qName, const XmlAttributes& atts);
-    virtual void printAbstractOrderFiscal(const QString& qName, const XmlAttributes& atts);
-    virtual void printReport(const QString& qName, const XmlAttributes& atts);
-    virtual void printSold(const QString& qName, const XmlAttributes& atts);
-    virtual void printStatementOfAccount(const QString& qName, const XmlAttributes& atts);
     virtual bool printDuplicate();
 
     bool oneTime();
+    // The settings prefix of a document type; an unknown type is reported
+    // and gets the prefiscal one.
     QString documentPath(const QString& type);
+    // Loads the settings of a document type.
     void loadValues(const QString& type);
     // Views, so that attribute values go into the line without a copy.
     QString descriptionRow(QStringView a1, QStringView a2, QStringView a3, QStringView a4,
                            QChar fill, QStringView layout) const;
 
-    // Pushes buffered text to the device; the destructor does it too.
+    // Pushes buffered text to the device.
     void flush();
+    // Whether every byte so far reached the device, and if not, why.
+    bool writeFailed() const { return stream && stream->failed(); }
+    QString writeError() const { return stream ? stream->error() : QString(); }
 
     const DocumentSettings& documentSettings() const { return settings; }
     const QString& method() const { return currentMethod; }
-    // The names a request's "method" element may give, in the order tried.
-    static std::vector<QLatin1StringView> documentMethods();
+    // The document chosen by the last accepted "method" element; null
+    // before one and after an unknown one.
+    const Documents::Document* document() const { return currentDocument; }
     // Whether the document in force is printed by the fiscal printer.
-    bool isFiscal() const;
+    bool isFiscal() const { return currentDocument && currentDocument->fiscal; }
 
     // Text as the printer of the document in force prints it (see CodePage).
     QString printable(QStringView text) const;
@@ -155,33 +121,58 @@ public:
     // Every character replaced from now on, in every code page the run
     // uses, is added to `log` (null: none is); it must outlive the driver.
     void logReplacements(std::vector<CodePage::Replacement>* log);
+    // Settings read as 0 or false from other text, each key once, in the
+    // order read.
+    const std::vector<MisreadSetting>& misreadSettings() const { return misread.all(); }
 
-    // A setting whose text read as 0 or false although it was neither empty
-    // nor "false": "yes" for a switch, "wide" for a width.
-    struct MisreadSetting
-    {
-        QString key;
-        QString text;
-        bool isSwitch; // read as false; otherwise a number read as 0
-    };
-    // Each such key once, in the order read.
-    const std::vector<MisreadSetting>& misreadSettings() const { return misread; }
 protected:
-    int boundedSetting(QLatin1StringView keyWord);
+    friend class Documents::DocumentTable;
+
+    enum class Justification { Left, Center };
+
+    // What the elements of the documents print; the document table says
+    // which element of which document each one prints.
+    void storePrinter(const XmlAttributes& atts);
+    void printHeaderLines(const XmlAttributes& atts);
+    void printLogoElement(const XmlAttributes& atts);
+    void printTicketItem(const XmlAttributes& atts);
+    void printTicketOtherItem(const XmlAttributes& atts);
+    void printTicketVariant(const XmlAttributes& atts);
+    void printPreBillItem(const XmlAttributes& atts);
+    void printPreBillVariant(const XmlAttributes& atts);
+    void printPreBillTotal(const XmlAttributes& atts);
+    void printReceiptItem(const XmlAttributes& atts);
+    void printReceiptTotal(const XmlAttributes& atts);
+    void printNotPaid(const XmlAttributes& atts);
+    void printAbstractNotPaid(const XmlAttributes& atts);
+    void printInvoiceItem(const XmlAttributes& atts);
+    void printInvoiceTotals(const XmlAttributes& atts);
+    void printAbstractItem(const XmlAttributes& atts);
+    void printFiscalItem(const XmlAttributes& atts);
+    void printAbstractFiscalItem(const XmlAttributes& atts);
+    void printFiscalPayments(const XmlAttributes& atts);
+    void printReportPeriod(const XmlAttributes& atts);
+    void printPrefiscalSummary(const XmlAttributes& atts);
+    void printReceiptsSummary(const XmlAttributes& atts);
+    void printTaxRateRow(const XmlAttributes& atts);
+    void printInvoicesSummary(const XmlAttributes& atts);
+    void printCancelledSummary(const XmlAttributes& atts);
+    void printSoldItem(const XmlAttributes& atts);
+    void printStatementHeader(const XmlAttributes& atts);
+    void printStatement(const XmlAttributes& atts);
+
     void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
     void printPricedItem(const XmlAttributes& atts, QStringView layout);
-    void printAbstractItem(const XmlAttributes& atts);
     void printTotalLine(const QString& label, QStringView amount);
-    void printInvoiceTotals(const XmlAttributes& atts);
 
     const ZTConfiguration* config;
     QString currentMethod;
-    std::unique_ptr<QIODevice> file;
+    QIODevice* file;
     std::unique_ptr<TextOutput> stream;
     bool duplicate = false;
     bool oneTimeDone = false;
-    QString justify;
+    Justification justify = Justification::Left;
     QString docPath;
     QString printerInfo;
     QString charsize;
@@ -191,22 +182,24 @@ protected:
     QString credit;
 
 private:
-    void openStream(QIODevice::OpenMode mode);
+    void chooseDocument(const Documents::Document& document);
     void chooseCodePage();
-    void noteMisread(const QString& key, const QString& text, bool isSwitch);
+    // The element of the document in force named `name`, or null.
+    const Documents::Element* elementOf(QStringView name);
 
     // The code pages of the run: the locale's, and those the documents name,
     // each kept for its count of replaced characters.
     std::vector<std::unique_ptr<CodePage>> codePages;
     CodePage* codePage = nullptr;
     std::vector<CodePage::Replacement>* replacementLog = nullptr;
-    std::vector<MisreadSetting> misread;
+    MisreadSettings misread;
 
     // The storage of the last row built, reused by the next: the row a
     // caller prints is gone by then.
     mutable QString rowBuffer;
 
-    // The entry of the method table chosen by the last accepted "method"
-    // element; null before one and after an unknown one.
-    const struct DocumentMethod* currentEntry = nullptr;
+    const Documents::Document* currentDocument = nullptr;
+    // The last element dispatched: a long document repeats one item
+    // element, so it is tried before the table is searched.
+    const Documents::Element* lastElement = nullptr;
 };

@@ -1,40 +1,37 @@
-// Receipts, invoices, their abstract forms, fiscal receipts and delivery notes.
+// Receipts, invoices, their abstract forms and fiscal receipts.
 #include "printerdriver.h"
 #include "rowlayout.h"
 
 using namespace Qt::StringLiterals;
 using namespace RowLayout;
 
-void PrinterDriver::printFullOrderReceipt(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printReceiptItem(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
-
-    if (isName(qName, "customer"_L1)) {
-        printCustomerHeader(atts);
-    } else if (isName(qName, "receipe"_L1)) {
-        printPricedItem(atts, qxdpt);
-    } else if (isName(qName, "total"_L1)) {
-        println(QString());
-        printTotalLine(tr("TOTAL"), atts.value("price"_L1));
-    } else if (isName(qName, "notPaid"_L1)) {
-        println(QString());
-        println(tr("    Amount not paid: ") + atts.value("price"_L1).toString());
-    }
+    printPricedItem(atts, qxdpt);
 }
 
-void PrinterDriver::printFullOrderInvoice(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printReceiptTotal(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
+    println(QString());
+    printTotalLine(tr("TOTAL"), atts.value("price"_L1));
+}
 
-    if (isName(qName, "customer"_L1)) {
-        printCustomerHeader(atts);
-    } else if (isName(qName, "receipe"_L1)) {
-        printPricedItem(atts, qdpt);
-    } else if (isName(qName, "totals"_L1)) {
-        printInvoiceTotals(atts);
-    }
+void PrinterDriver::printNotPaid(const XmlAttributes& atts)
+{
+    println(QString());
+    println(tr("    Amount not paid: ") + atts.value("price"_L1).toString());
+}
+
+void PrinterDriver::printAbstractNotPaid(const XmlAttributes& atts)
+{
+    println(QString());
+    // This title is printed as it stands, in every language.
+    println(u"   Corrispettivo non pagato: "_s + atts.value("price"_L1).toString());
+}
+
+void PrinterDriver::printInvoiceItem(const XmlAttributes& atts)
+{
+    printPricedItem(atts, qdpt);
 }
 
 void PrinterDriver::printPricedItem(const XmlAttributes& atts, QStringView layout)
@@ -70,74 +67,24 @@ void PrinterDriver::printAbstractItem(const XmlAttributes& atts)
                            atts.value("price"_L1), dot, qxdpt));
 }
 
-void PrinterDriver::printAbstractOrderReceipt(const QString& qName,
-                                              const XmlAttributes& atts)
+void PrinterDriver::printFiscalItem(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
-
-    if (isName(qName, "receipe_type"_L1)) {
-        printAbstractItem(atts);
-    } else if (isName(qName, "total"_L1)) {
-        println(QString());
-        printTotalLine(tr("TOTAL"), atts.value("price"_L1));
-    } else if (isName(qName, "notPaid"_L1)) {
-        println(QString());
-        // This title is printed as it stands, in every language.
-        println(u"   Corrispettivo non pagato: "_s + atts.value("price"_L1).toString());
-    }
+    // The name is cut as the printer prints it: by characters, never inside one.
+    const int width = settings.descriptionWidth;
+    const QString name = printable(atts.value("name"_L1));
+    printRowFiscal(atts.value("department"_L1).toString(), atts.value("number"_L1).toString(),
+                   width < 0 ? name : printedLeft(name, width).toString(), atts.value("price"_L1).toString());
 }
 
-void PrinterDriver::printAbstractOrderInvoice(const QString& qName,
-                                              const XmlAttributes& atts)
+void PrinterDriver::printAbstractFiscalItem(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
-
-    if (isName(qName, "customer"_L1))
-        printCustomerHeader(atts);
-    else if (isName(qName, "receipe_type"_L1))
-        printAbstractItem(atts);
-    else if (isName(qName, "totals"_L1))
-        printInvoiceTotals(atts);
+    printRowFiscal(atts.value("department"_L1).toString(), u"1"_s, atts.value("name"_L1).toString(),
+                   atts.value("price"_L1).toString());
 }
 
-void PrinterDriver::printFullOrderFiscal(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printFiscalPayments(const XmlAttributes& atts)
 {
-    // Read for every element, so that the setting of the document in force applies.
-    int descriptionWidth = boundedSetting("descriptionWidth"_L1);
-    if (descriptionWidth == 0)
-        descriptionWidth = int(getPaperWidth());
-
-    if (isName(qName, "receipe"_L1)) {
-        // The name is cut as the printer prints it: by characters, never inside one.
-        const QString name = printable(atts.value("name"_L1));
-        printRowFiscal(atts.value("department"_L1).toString(), atts.value("number"_L1).toString(),
-                       descriptionWidth < 0 ? name : printedLeft(name, descriptionWidth).toString(),
-                       atts.value("price"_L1).toString());
-    } else if (isName(qName, "total"_L1)) {
-        // The payment form writes only for "totals", so a fiscal receipt
-        // carries its item lines alone; the printer sums them itself.
-        printRowFiscal(qName, atts);
-    }
-}
-
-void PrinterDriver::printAbstractOrderFiscal(const QString& qName,
-                                             const XmlAttributes& atts)
-{
-    if (isName(qName, "receipe_type"_L1)) {
-        printRowFiscal(atts.value("department"_L1).toString(), u"1"_s,
-                       atts.value("name"_L1).toString(), atts.value("price"_L1).toString());
-    } else if (isName(qName, "total"_L1)) {
-        printRowFiscal(qName, atts);
-    }
-}
-
-void PrinterDriver::printFullOrderDelivery(const QString& qName, const XmlAttributes& atts)
-{
-    // A delivery note's body is an order ticket.
-    if (isName(qName, "customer"_L1))
-        printCustomerHeader(atts);
-    else
-        printPartialOrder(qName, atts);
+    // The payment form writes only for "totals", so a fiscal receipt
+    // carries its item lines alone; the printer sums them itself.
+    printRowFiscal(u"total"_s, atts);
 }

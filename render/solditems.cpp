@@ -20,32 +20,24 @@ namespace {
 
 } // namespace
 
-void PrinterDriver::printSold(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printSoldItem(const XmlAttributes& atts)
 {
-    if (printSections(qName, atts))
-        return;
-
-    if (isName(qName, "receipe"_L1)) {
-        setBold();
-        println(descriptionRow(atts.value("quantity"_L1), atts.value("description"_L1), {},
-                               atts.value("amount"_L1), dot, qxdpt));
-        setCharSize();
-    }
+    setBold();
+    println(descriptionRow(atts.value("quantity"_L1), atts.value("description"_L1), {},
+                           atts.value("amount"_L1), dot, qxdpt));
+    setCharSize();
 }
 
-void PrinterDriver::printStatementOfAccount(const QString& qName, const XmlAttributes& atts)
+void PrinterDriver::printStatementHeader(const XmlAttributes&)
 {
-    if (printSections(qName, atts))
-        return;
+    setBold();
+    println(descriptionRow(tr("Date"), tr("Description"), tr("Amount"), {}, blank, dateAmountType));
+    reset();
+}
 
-    if (isName(qName, "statement_list"_L1)) {
-        setBold();
-        println(descriptionRow(tr("Date"), tr("Description"), tr("Amount"), {}, blank,
-                               dateAmountType));
-        reset();
-    } else if (isName(qName, "statement"_L1)) {
-        const QByteArray type = atts.value("type"_L1).toUtf8();
-        println(descriptionRow(atts.value("date"_L1).toString() + ": "_L1, tr(type.constData()),
-                               atts.value("amount"_L1), {}, dot, dateAmountType));
-    }
+void PrinterDriver::printStatement(const XmlAttributes& atts)
+{
+    const QByteArray type = atts.value("type"_L1).toUtf8();
+    println(descriptionRow(atts.value("date"_L1).toString() + ": "_L1, tr(type.constData()),
+                           atts.value("amount"_L1), {}, dot, dateAmountType));
 }

@@ -41,6 +41,15 @@ void TextOutput::flush()
 {
     if (used == 0)
         return;
-    device->write(buffer.get(), used);
+    if (!writeFailed)
+        writeFailed = device->write(buffer.get(), used) != used;
     used = 0;
+}
+
+QString TextOutput::error() const
+{
+    if (!writeFailed)
+        return {};
+    const QString reason = device->errorString();
+    return reason.isEmpty() ? QStringLiteral("the device took fewer bytes than were written") : reason;
 }

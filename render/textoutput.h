@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringEncoder>
 #include <QStringView>
 
@@ -33,6 +34,11 @@ public:
         return *this;
     }
     void flush();
+    // Whether a write to the device fell short (a full disk, a closed
+    // pipe); nothing is written after that, so the file ends where the
+    // device stopped taking bytes. The device's reason, if it failed.
+    bool failed() const { return writeFailed; }
+    QString error() const;
     // Text from here on is written in this code page.
     void setCodePage(const CodePage& codePage);
 
@@ -69,4 +75,5 @@ private:
     bool asciiAsItself = true;
     std::unique_ptr<char[]> buffer;
     qsizetype used = 0;
+    bool writeFailed = false;
 };

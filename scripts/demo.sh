@@ -2,7 +2,8 @@
 # Builds the programs and renders every example request in examples/requests/
 # with the example configuration (examples/home as the home directory): the
 # print file (out/NAME.txt) and its picture (out/NAME.png, drawn by
-# zentaro-preview), with what the preview flags.  When examples/home-it/
+# zentaro-preview), with what the preview flags; then the requests in
+# examples/faulty/, which are kept to show the flags.  When examples/home-it/
 # exists, the requests listed in its requests.txt (default: the receipts) are
 # rendered again with it (out/NAME.it.*).  out/index.html shows every picture
 # beside its request and print file.
@@ -15,15 +16,14 @@ repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_root=${BUILD_ROOT:-$repo}
 jobs=${JOBS:-$(nproc)}
 build=$build_root/build
+. "$repo/scripts/lib.sh"
 
 "$repo/scripts/deps.sh"
 
 if [[ ! -f $build/CMakeCache.txt ]]; then
-  generator=()
-  if command -v ninja >/dev/null; then generator=(-G Ninja); fi
   # The demo needs the programs only: no test framework on a fresh machine.
   # A build directory the test command made keeps its tests.
-  cmake -S "$repo" -B "$build" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  cmake -S "$repo" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DZENTARO_TESTS=OFF
 fi
 cmake --build "$build" -j "$jobs"
@@ -51,17 +51,23 @@ cat >"$index" <<'HTML'
 <style>
 body { font-family: sans-serif; background: #f6f5f2; margin: 1.5em; }
 section { margin-bottom: 3em; }
-.row { display: flex; gap: 1.5em; align-items: flex-start; }
-.row > div { flex: 0 1 auto; min-width: 0; }
-pre { background: #fff; border: 1px solid #ddd; padding: .6em; font-size: 12px; overflow-x: auto; max-width: 40em; }
-img { border: 1px solid #ddd; display: block; margin-bottom: .5em; }
-ul.flags { color: #b0201c; font-family: monospace; font-size: 12px; max-width: 60em; }
+/* One row per request: the picture (shrunk only when the row is too
+   narrow), the request, which takes what is left and wraps its long lines,
+   and the print file, as wide as its lines up to a limit.  Nothing overlaps
+   and the page never scrolls sideways. */
+.row { display: grid; grid-template-columns: minmax(0, max-content) minmax(14em, 1fr) fit-content(26em);
+       gap: 1em; align-items: start; }
+h3 { margin-top: 0; }
+pre { background: #fff; border: 1px solid #ddd; padding: .5em; font-size: 11px; margin: 0;
+      white-space: pre-wrap; overflow-wrap: anywhere; }
+img { border: 1px solid #ddd; display: block; margin-bottom: .5em; max-width: 100%; height: auto; }
+ul.flags { color: #b0201c; font-family: monospace; font-size: 12px; overflow-wrap: anywhere; }
 </style>
 </head>
 <body>
 <h1>The example requests</h1>
 <p>Each request as zentaro-print renders it: the picture zentaro-preview draws (flagged lines are marked
-in the margin and listed under it) beside the request and the print file.</p>
+in its margin and listed under the row) beside the request and the print file.</p>
 HTML
 
 # render NAME-SHOWN HOME REQUEST BASE: writes BASE.txt and BASE.png
@@ -92,22 +98,24 @@ render() {
   fi
 
   {
-    printf '<section>\n<h2>%s</h2>\n<div class="row">\n<div>\n' "$shown"
+    printf '<section id="%s">\n<h2>%s</h2>\n<div class="row">\n<div><h3>Picture</h3>\n' "${base#out/}" "$shown"
     for page in "$base".png "$base"-[0-9]*.png; do
       if [[ -f $page ]]; then
         printf '<img src="%s" alt="%s">\n' "${page#out/}" "$shown"
       fi
     done
+    printf '</div>\n<div><h3>Request</h3>\n<pre>'
+    html_escape "$req"
+    printf '</pre></div>\n<div><h3>Print file</h3>\n<pre>'
+    if [[ -f $out ]]; then html_escape "$out"; fi
+    printf '</pre></div>\n</div>\n'
+    # Under the row, where their long lines cannot widen the picture's column.
     if [[ -n $findings ]]; then
       echo '<ul class="flags">'
       printf '%s\n' "$findings" | html_escape | sed -e 's/^/<li>/' -e 's/$/<\/li>/'
       echo '</ul>'
     fi
-    printf '</div>\n<div><h3>Request</h3>\n<pre>'
-    html_escape "$req"
-    printf '</pre></div>\n<div><h3>Print file</h3>\n<pre>'
-    if [[ -f $out ]]; then html_escape "$out"; fi
-    printf '</pre></div>\n</div>\n</section>\n'
+    printf '</section>\n'
   } >>"$index"
 }
 
@@ -120,6 +128,13 @@ fi
 for req in "${requests[@]}"; do
   name=$(basename -- "$req" .xml)
   render "$name" "$repo/examples/home" "$req" "out/$name"
+done
+
+# Requests kept to show what the preview flags (their findings are beside
+# them, in NAME.findings).
+for req in examples/faulty/*.xml; do
+  name=$(basename -- "$req" .xml)
+  render "$name (faulty)" "$repo/examples/home" "$req" "out/faulty-$name"
 done
 
 if [[ -d examples/home-it ]]; then

@@ -2,6 +2,7 @@
 
 #include "databasemanager.h"
 #include "diagnostics.h"
+#include "documenttypes.h"
 #include "emptytext.h"
 #include "sleepthread.h"
 #include "syncsingleton.h"
@@ -67,10 +68,12 @@ void askForNewSheet()
 }
 
 // The two files of a copy, read and written one line at a time. A line is
-// read in one piece of at most 127 bytes; a longer line takes several.
+// read in one piece of at most 127 bytes; a longer line takes several. The
+// result says how far the copy came and, once it failed, why.
 class LineCopy
 {
 public:
+    using Failure = HLibrary::CopyResult::Failure;
     enum class Step { Copied, SourceEnded, DestinationFailed };
 
     LineCopy(const QString& src, const QString& dst)
@@ -78,10 +81,15 @@ public:
     {
     }
 
+    // The source first: a file that cannot be read leaves the destination
+    // as it was.
     bool open()
     {
-        return source.open(QIODevice::ReadOnly)
-            && destination.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        if (!source.open(QIODevice::ReadOnly))
+            return fail(Failure::SourceUnreadable, source);
+        if (!destination.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return fail(Failure::DestinationUnopenable, destination);
+        return true;
     }
 
     bool sourceAtEnd() const { return source.atEnd(); }
@@ -93,14 +101,33 @@ public:
         const qint64 length = source.readLine(buffer, sizeof buffer);
         if (length <= 0)
             return Step::SourceEnded;
-        if (destination.write(buffer, length) != length || !destination.flush())
+        if (destination.write(buffer, length) != length || !destination.flush()) {
+            fail(Failure::WriteFailed, destination);
             return Step::DestinationFailed;
+        }
+        ++result.linesWritten;
+        result.bytesWritten += quint64(length);
         return Step::Copied;
     }
 
     void skipLine() { (void)source.readLine(buffer, sizeof buffer); }
 
+    HLibrary::CopyResult noSuchPage()
+    {
+        result.failure = Failure::NoSuchPage;
+        return result;
+    }
+
+    HLibrary::CopyResult result;
+
 private:
+    bool fail(Failure failure, const QFile& file)
+    {
+        result.failure = failure;
+        result.errorText = file.errorString();
+        return false;
+    }
+
     QFile source;
     QFile destination;
     char buffer[128];
@@ -155,9 +182,21 @@ QString HLibrary::fromUtf8(const QString& text)
 
 bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerSheet, unsigned pauseMs)
 {
+    return copyWithResult(src, dst, linesPerSheet, pauseMs).succeeded();
+}
+
+bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPage, unsigned pauseMs,
+                    unsigned page)
+{
+    return copyWithResult(src, dst, linesPerPage, pauseMs, page).succeeded();
+}
+
+HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerSheet,
+                                              unsigned pauseMs)
+{
     LineCopy files(src, dst);
     if (!files.open())
-        return false;
+        return files.result;
     // The counter is tested before it counts the line just written, so the
     // first sheet takes one line more than the others. The suite's sheet
     // lengths are set with that count in mind: keep it.
@@ -165,7 +204,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerShe
     while (!files.sourceAtEnd()) {
         const LineCopy::Step step = files.copyLine();
         if (step == LineCopy::Step::DestinationFailed)
-            return false;
+            return files.result;
         if (step == LineCopy::Step::SourceEnded)
             break;
         if (linesPerSheet != 0 && n >= linesPerSheet) {
@@ -175,20 +214,20 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerShe
         pause(pauseMs);
         ++n;
     }
-    return true;
+    return files.result;
 }
 
-bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPage, unsigned pauseMs,
-                    unsigned page)
+HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerPage,
+                                              unsigned pauseMs, unsigned page)
 {
     LineCopy files(src, dst);
     if (!files.open())
-        return false;
+        return files.result;
     const std::uint64_t linesBefore = std::uint64_t(linesPerPage) * page;
     for (std::uint64_t skipped = 0; skipped < linesBefore; ++skipped) {
         files.skipLine();
         if (files.sourceAtEnd())
-            return false; // the page would be empty
+            return files.noSuchPage();
     }
 
     const auto pageIsFull = [linesPerPage](unsigned written) {
@@ -197,7 +236,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPag
     for (unsigned written = 0; !pageIsFull(written) && !files.sourceAtEnd();) {
         const LineCopy::Step step = files.copyLine();
         if (step == LineCopy::Step::DestinationFailed)
-            return false;
+            return files.result;
         if (step == LineCopy::Step::SourceEnded)
             break;
         ++written;
@@ -205,7 +244,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPag
         if (!pageIsFull(written) && !files.sourceAtEnd())
             pause(pauseMs);
     }
-    return true;
+    return files.result;
 }
 
 bool HLibrary::copy(const QString& src, const QString& dst, const QString& linesPerSheet, const QString& pauseMs)
@@ -243,26 +282,12 @@ void HLibrary::hsleep(unsigned seconds)
 
 QString HLibrary::copyNumber(const QString& documentType, const ZTConfiguration* configuration)
 {
-    struct DocumentKey
-    {
-        QLatin1StringView type;
-        QLatin1StringView key;
-    };
-    static constexpr DocumentKey documentKeys[] = {
-        {"order"_L1, "doc"_L1},           {"prefiscal"_L1, "prefiscaldoc"_L1}, {"fiscal"_L1, "fiscaldoc"_L1},
-        {"receipt"_L1, "receiptdoc"_L1},   {"invoice"_L1, "invoicedoc"_L1},     {"delivery"_L1, "deliverydoc"_L1},
-        {"report"_L1, "reportdoc"_L1},
-    };
-
-    const QString type = documentType.toLower();
-    const auto known = std::find_if(std::begin(documentKeys), std::end(documentKeys),
-                                    [&type](const DocumentKey& entry) { return entry.type == type; });
-    QLatin1StringView key = "prefiscaldoc"_L1;
-    if (known != std::end(documentKeys))
-        key = known->key;
-    else
-        printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", type.toLocal8Bit()});
-    return setting(configuration, "zentaro."_L1 + key + ".copyNumber"_L1);
+    const DocumentType* type = DocumentTypes::find(documentType);
+    if (!type) {
+        printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", documentType.toLower().toLocal8Bit()});
+        type = &DocumentTypes::prefiscal;
+    }
+    return setting(configuration, type->copyNumberKey());
 }
 
 QString HLibrary::truncateDecimal(double value)

@@ -28,17 +28,41 @@ public:
     static QString toWindowsFormat(QString path);
     static QString fromUtf8(const QString& text);
 
+    // How a copy ended: what failed, in the system's words, and how far it
+    // had come.
+    struct CopyResult
+    {
+        enum class Failure {
+            None,
+            SourceUnreadable,
+            DestinationUnopenable,
+            WriteFailed,
+            NoSuchPage, // the file ends before the page asked for
+        };
+        Failure failure = Failure::None;
+        QString errorText;
+        quint64 linesWritten = 0;
+        quint64 bytesWritten = 0;
+
+        bool succeeded() const { return failure == Failure::None; }
+    };
+
     // Sends a text file to a device or file line by line (lines of at most
     // 127 bytes; a longer one goes as several), pausing `pauseMs` after each
     // and asking for a new sheet when one is full. The first sheet gets one
     // line more than `linesPerSheet`; 0 never asks. False when a file cannot
     // be opened, or the destination stops taking data.
     static bool copy(const QString& src, const QString& dst, unsigned linesPerSheet, unsigned pauseMs);
+    // The same copy, telling why it failed.
+    static CopyResult copyWithResult(const QString& src, const QString& dst, unsigned linesPerSheet,
+                                     unsigned pauseMs);
     // Sends page `page` (from 0) of `linesPerPage` lines, pausing between
     // lines; 0 lines per page sends the whole file. False, with nothing
     // sent, when the file ends before that page.
     static bool copy(const QString& src, const QString& dst, unsigned linesPerPage, unsigned pauseMs,
                      unsigned page);
+    static CopyResult copyWithResult(const QString& src, const QString& dst, unsigned linesPerPage,
+                                     unsigned pauseMs, unsigned page);
     // The first form with numbers given as text (bad text counts as 0).
     static bool copy(const QString& src, const QString& dst, const QString& linesPerSheet,
                      const QString& pauseMs);
@@ -53,7 +77,7 @@ public:
     static void hsleep(unsigned seconds);
 
     // How many copies of a document type ("receipt", "invoice", ... in any
-    // case) to print: "zentaro.<type>doc.copyNumber" as text.
+    // case; see DocumentTypes) to print, as the configuration's text.
     static QString copyNumber(const QString& documentType, const ZTConfiguration* configuration = nullptr);
     // An amount with two decimals: dropped beyond the third, then half up
     // (1.235 gives "1.24", 1.005 gives "1.00", -1.239 gives "-1.23").

@@ -193,18 +193,44 @@ TEST(XmlParser, ManyAttributesOnOneElement)
     EXPECT_EQ(counter.seen.value(u"a123456"), u"123456");
 }
 
+// A document type declaration on line 2 whose internal subset holds about
+// `size` bytes of small entity declarations.
+QByteArray withInternalSubset(qint64 size)
+{
+    QByteArray xml = "<?xml version=\"1.0\"?>\n<!DOCTYPE r [\n";
+    const QByteArray value(1000, 'x');
+    for (int i = 0; xml.size() < size; ++i)
+        xml += "<!ENTITY e" + QByteArray::number(i) + " \"" + value + "\">\n";
+    return xml + "]>\n<r/>";
+}
+
+struct LimitCase
+{
+    const char* name;
+    QByteArray xml;
+    const char* out; // empty: read to its end
+};
+
 TEST(XmlParser, MarkupLargerThanTheLimitIsAFault)
 {
     // The parser's place is looked at between reads of 64 KiB.
-    const QByteArray huge(XmlReader::largestMarkup + 256 * 1024, 'x');
-    const Parsed parsed = parse("<r>\n<a/>\n<b/>\n<c v=\"" + huge + "\"/></r>");
-    EXPECT_FALSE(parsed.complete);
-    EXPECT_EQ(parsed.events.left(20), u"<r|<a|>a|<b|>b"_s);
-    EXPECT_EQ(parsed.out, "XML input not read past line 4: a start tag or other markup there is "
-                          "larger than the limit of 4 MiB\n");
-    // Just under the limit is read.
-    const QByteArray large(XmlReader::largestMarkup - 256 * 1024, 'x');
-    EXPECT_TRUE(parse("<r v=\"" + large + "\"/>").complete);
+    const qint64 over = XmlReader::largestMarkup + 256 * 1024;
+    const qint64 under = XmlReader::largestMarkup - 256 * 1024;
+    const LimitCase cases[] = {
+        {"start tag", "<r>\n<a/>\n<b/>\n<c v=\"" + QByteArray(over, 'x') + "\"/></r>",
+         "XML input not read past line 4: a start tag or other markup there is larger than the limit of 4 MiB\n"},
+        {"start tag under the limit", "<r v=\"" + QByteArray(under, 'x') + "\"/>", ""},
+        {"internal subset", withInternalSubset(over),
+         "XML input not read past line 2: a start tag or other markup there is larger than the limit of 4 MiB\n"},
+        {"internal subset under the limit", withInternalSubset(under), ""},
+    };
+    for (const LimitCase& c : cases) {
+        const Parsed parsed = parse(c.xml);
+        EXPECT_EQ(parsed.complete, *c.out == '\0') << c.name;
+        EXPECT_EQ(parsed.out, c.out) << c.name;
+    }
+    // What came before the oversized tag was delivered.
+    EXPECT_EQ(parse(cases[0].xml).events.left(20), u"<r|<a|>a|<b|>b"_s);
 }
 
 TEST(XmlParser, HandlerStopsOrThrows)

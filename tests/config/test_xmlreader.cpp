@@ -69,6 +69,20 @@ INSTANTIATE_TEST_SUITE_P(
                     NothingLoadedCase{"FormatWordCaseSensitive", QStringLiteral("/zentaro.conf"), QStringLiteral("CFG")}),
     [](const testing::TestParamInfo<NothingLoadedCase>& info) { return std::string(info.param.name); });
 
+TEST(XmlReader, OversizedMarkupIsToldApartFromMalformedText)
+{
+    Config config;
+    testing::internal::CaptureStdout();
+    config.readData("<zentaro>\n<logger level=\"" + QByteArray(10 << 20, 'x') + "\"/>\n</zentaro>",
+                    QStringLiteral("xml"));
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(config.document()->firstChild(), nullptr);
+    EXPECT_EQ(config.oversizedMarkupLine(), 2);
+
+    config.readData("<zentaro>\n<logger level=\"x\">\n</zentaro>", QStringLiteral("xml"));
+    EXPECT_EQ(config.oversizedMarkupLine(), -1);
+}
+
 TEST(XmlReader, DeepNestingDoesNotExhaustTheStack)
 {
     constexpr int depth = 100000;

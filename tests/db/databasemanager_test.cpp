@@ -18,7 +18,8 @@ using testsupport::ScratchDatabase;
 
 namespace {
 
-// A scratch database holding three items, a manager logging at DEBUG to a
+// A scratch database holding three items and the sequence "tickets" at 10,
+// a manager logging at DEBUG to a
 // file of its own, and a connection named "test" to the database.
 class DatabaseTest : public testing::Test
 {
@@ -32,6 +33,7 @@ protected:
         ASSERT_EQ(scratch.exec(u"insert into items (name, price) values ('tea', 1.50), ('coffee', 2.00), "
                                "('cake', 3.25)"_s),
                   "");
+        ASSERT_EQ(scratch.exec(u"create sequence tickets minvalue 0 start 10"_s), "");
         db = connect(scratch, u"test"_s);
         ASSERT_NE(db, nullptr) << log();
         clearLog();
@@ -149,6 +151,40 @@ const OperationCase operationCases[] = {
     {"safeNewRecord", [](DatabaseManager& m, QSqlDatabase* db) { return m.safeNewRecord(u"items"_s, db); }, "4",
      "DEBUG: BEGIN\n\n\n" + reported("newRecord", "insert into items values(default)", 1)
          + reported("getLastId", "select max(ID) from items", 1) + "DEBUG: COMMIT\n\n\n"},
+    {"sequenceValue", [](DatabaseManager& m, QSqlDatabase* db) { return m.sequenceValue(u"tickets"_s, db); }, "10",
+     reported("executeSelectQuery(...)", "select last_value from tickets", 1)},
+    {"setSequence", [](DatabaseManager& m, QSqlDatabase* db) { return m.setSequence(u"tickets"_s, 40, db); }, "40",
+     reported("executeSelectQuery(...)", "SELECT setval('tickets', 40)", 1)},
+    {"incrementSequence_answers_the_value_before",
+     [](DatabaseManager& m, QSqlDatabase* db) { return m.incrementSequence(u"tickets"_s, 5, db); }, "10",
+     reported("executeSelectQuery(...)", "select last_value from tickets", 1)
+         + reported("executeSelectQuery(...)", "SELECT setval('tickets', 15)", 1)},
+    {"decrementSequence",
+     [](DatabaseManager& m, QSqlDatabase* db) { return m.decrementSequence(u"tickets"_s, 3, db); }, "10",
+     reported("executeSelectQuery(...)", "select last_value from tickets", 1)
+         + reported("executeSelectQuery(...)", "SELECT setval('tickets', 7)", 1)},
+    // The checked forms: same reports, ids and values bound.
+    {"checked_getField",
+     [](DatabaseManager& m, QSqlDatabase* db) {
+         return m.getField(SqlName(u"items"_s), SqlName(u"name"_s), 2, db);
+     },
+     "coffee", reported("DatabaseManager::getField(...)", "select name from items where id = ?", 1)},
+    {"checked_removeRecord",
+     [](DatabaseManager& m, QSqlDatabase* db) {
+         return QString::number(m.removeRecord(SqlName(u"public.items"_s), 2, db));
+     },
+     "1", reported("removeRecord", "delete from public.items where ID = ?", 1)},
+    {"checked_existRecord",
+     [](DatabaseManager& m, QSqlDatabase* db) { return yesNo(m.existRecord(SqlName(u"items"_s), 4, db)); }, "no",
+     reported("DatabaseManager::existRecord(...)", "select * from items where ID = ?", 0)},
+    {"checked_incrementSequence",
+     [](DatabaseManager& m, QSqlDatabase* db) { return m.incrementSequence(SqlName(u"tickets"_s), 5, db); }, "10",
+     reported("executeSelectQuery(...)", "select last_value from tickets", 1)
+         + reported("executeSelectQuery(...)", "SELECT setval(?, ?)", 1)},
+    {"checked_safeNewRecord",
+     [](DatabaseManager& m, QSqlDatabase* db) { return m.safeNewRecord(SqlName(u"items"_s), db); }, "4",
+     "DEBUG: BEGIN\n\n\n" + reported("newRecord", "insert into items values(default)", 1)
+         + reported("getLastId", "select max(ID) from items", 1) + "DEBUG: COMMIT\n\n\n"},
 };
 
 class Operation : public DatabaseTest, public testing::WithParamInterface<OperationCase>
@@ -163,6 +199,71 @@ TEST_P(Operation, RunsItsStatementAndReportsIt)
 
 INSTANTIATE_TEST_SUITE_P(DatabaseManager, Operation, testing::ValuesIn(operationCases));
 
+struct InjectionCase
+{
+    const char* name;
+    const char* payload;
+    std::function<QString(DatabaseManager&, const SqlName&, QSqlDatabase*)> call;
+    const char* result;
+};
+
+void PrintTo(const InjectionCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
+
+const SqlName items(u"items"_s);
+
+// Text that turns the pasting forms' statements into others: reading
+// another table, deleting every row, dropping tables. The checked forms take
+// ids as integers, so such text can only reach them as a name.
+const InjectionCase injectionCases[] = {
+    {"getField_union", "items where id = -1 union select pw from secret",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) {
+         return m.getField(name, SqlName(u"name"_s), 1, db);
+     },
+     ""},
+    {"getField_field", "pw from secret --",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return m.getField(items, name, 1, db); }, ""},
+    {"removeRecord_every_row", "items --",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) {
+         return QString::number(m.removeRecord(name, 1, db));
+     },
+     "0"},
+    {"existRecord", "items; drop table secret; select 1 from items",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return yesNo(m.existRecord(name, 1, db)); },
+     "no"},
+    {"sequenceValue_drop", "tickets; drop table items",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return m.sequenceValue(name, db); }, ""},
+    {"setSequence_drop", "tickets', 1); drop table items; select setval('tickets",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return m.setSequence(name, 1, db); }, ""},
+    {"newRecord_drop", "items values(default); drop table secret; insert into items",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return m.newRecord(name, db); }, "Error"},
+    {"quoted_name", "\"items\"",
+     [](DatabaseManager& m, const SqlName& name, QSqlDatabase* db) { return m.getLastId(name, db); }, "Error"},
+};
+
+class Injection : public DatabaseTest, public testing::WithParamInterface<InjectionCase>
+{
+};
+
+TEST_P(Injection, IsRefusedAndReportedByTheCheckedForms)
+{
+    ASSERT_EQ(scratch.exec(u"create table secret (pw text); insert into secret values ('hunter2')"_s), "");
+    const QString payload = QString::fromUtf8(GetParam().payload);
+    EXPECT_EQ(GetParam().call(manager, SqlName(payload), db), QString::fromUtf8(GetParam().result));
+
+    EXPECT_EQ(scratch.column(u"select id from items order by id"_s), QStringList({u"1"_s, u"2"_s, u"3"_s}));
+    EXPECT_EQ(scratch.column(u"select pw from secret"_s), QStringList(u"hunter2"_s));
+    EXPECT_EQ(scratch.column(u"select last_value from tickets"_s), QStringList(u"10"_s));
+    const std::string text = log();
+    EXPECT_NE(text.find("ERROR: Refused: \"" + payload.toStdString() + "\" is not a plain SQL name\n"),
+              std::string::npos)
+        << text;
+}
+
+INSTANTIATE_TEST_SUITE_P(DatabaseManager, Injection, testing::ValuesIn(injectionCases));
+
 TEST_F(DatabaseTest, ChangesReachTheDatabase)
 {
     manager.removeRecord(u"items"_s, u"1"_s, db);
@@ -175,8 +276,6 @@ TEST_F(DatabaseTest, ChangesReachTheDatabase)
 TEST_F(DatabaseTest, FailingQueryIsReportedAtError)
 {
     EXPECT_EQ(manager.executeQuery(u"insert into missing values (1)"_s, db), 0);
-    EXPECT_EQ(manager.getField(u"items"_s, u"colour"_s, u"1"_s, db), u""_s);
-    EXPECT_EQ(manager.executeSelectQuery2(u"select"_s + u" from nowhere"_s, db), QStringList());
 
     // The database's text runs over several lines: the statement, a caret
     // under the fault, the SQL state.
@@ -185,20 +284,6 @@ DEBUG:     numRowsAffected: -1
 ERROR: Error in the method executeQuery\(\.\.\.\), to query: insert into missing values \(1\)
 ERROR: ERROR:  relation "missing" does not exist
 LINE 1: insert into missing values \(1\)
- +\^
-\(42P01\)
-DEBUG: Query called from method DatabaseManager::getField\(\.\.\.\): select colour from items where id = 1
-DEBUG:     numRowsAffected: -1
-ERROR: Error in the method DatabaseManager::getField\(\.\.\.\), to query: select colour from items where id = 1
-ERROR: ERROR:  column "colour" does not exist
-LINE 1: select colour from items where id = 1
- +\^
-\(42703\)
-DEBUG: Query called from method executeSelectQuery2\(\.\.\.\): select from nowhere
-DEBUG:     numRowsAffected: -1
-ERROR: Error in the method executeSelectQuery2\(\.\.\.\), to query: select from nowhere
-ERROR: ERROR:  relation "nowhere" does not exist
-LINE 1: select from nowhere
  +\^
 \(42P01\)
 $)"_s);
@@ -217,17 +302,6 @@ TEST_F(DatabaseTest, GetLastIdWithoutARowAnswersError)
                          + reported("getLastId", "select max(ID) from items group by name", 0)
                          + "ERROR: getLastId( items group by name ): select max(ID) from items group by name return "
                            "empty result\n");
-}
-
-TEST_F(DatabaseTest, GetLastIdOfAMissingTableAnswersError)
-{
-    EXPECT_EQ(manager.getLastId(u"missing"_s, db), u"Error"_s);
-    const QString text = QString::fromStdString(log());
-    EXPECT_TRUE(text.endsWith(
-        u"ERROR: getLastId( missing ): select max(ID) from missing return empty result\n"_s))
-        << text.toStdString();
-    static const QRegularExpression errorLine(u"^ERROR: "_s, QRegularExpression::MultilineOption);
-    EXPECT_EQ(text.count(errorLine), 3) << text.toStdString();
 }
 
 TEST_F(DatabaseTest, ConnectionsAreOpenedAndReported)
@@ -312,7 +386,6 @@ protected:
     void SetUp() override
     {
         DatabaseTest::SetUp();
-        ASSERT_EQ(scratch.exec(u"create sequence tickets minvalue 0 start 10"_s), "");
         ASSERT_EQ(other.problem(), "");
         ASSERT_EQ(other.exec(u"create sequence tickets minvalue 0 start 10"_s), "");
         ASSERT_NE(connect(other, QString()), nullptr);
@@ -321,25 +394,6 @@ protected:
 
     ScratchDatabase other{u"default"_s};
 };
-
-TEST_F(SequenceTest, IncrementAnswersTheValueBefore)
-{
-    EXPECT_EQ(manager.sequenceValue(u"tickets"_s, db), u"10"_s);
-    EXPECT_EQ(manager.incrementSequence(u"tickets"_s, 5, db), u"10"_s);
-    EXPECT_EQ(manager.decrementSequence(u"tickets"_s, 3, db), u"15"_s);
-    EXPECT_EQ(manager.setSequence(u"tickets"_s, 40, db), u"40"_s);
-    EXPECT_EQ(manager.sequenceValue(u"tickets"_s, db), u"40"_s);
-    EXPECT_EQ(manager.sequenceValue(u"tickets"_s), u"10"_s); // the default connection's database
-
-    EXPECT_EQ(log(), reported("executeSelectQuery(...)", "select last_value from tickets", 1)
-                         + reported("executeSelectQuery(...)", "select last_value from tickets", 1)
-                         + reported("executeSelectQuery(...)", "SELECT setval('tickets', 15)", 1)
-                         + reported("executeSelectQuery(...)", "select last_value from tickets", 1)
-                         + reported("executeSelectQuery(...)", "SELECT setval('tickets', 12)", 1)
-                         + reported("executeSelectQuery(...)", "SELECT setval('tickets', 40)", 1)
-                         + reported("executeSelectQuery(...)", "select last_value from tickets", 1)
-                         + reported("executeSelectQuery(...)", "select last_value from tickets", 1));
-}
 
 TEST_F(SequenceTest, DecrementIfPositiveReadsTheDefaultConnection)
 {
@@ -385,6 +439,29 @@ TEST_F(SequenceTest, TransactionsOnAConnectionUseItsOwnCalls)
     EXPECT_TRUE(text.starts_with("DEBUG: BEGIN\n\n\n")) << text;
     EXPECT_TRUE(text.ends_with(reported("removeRecord", "delete from items where ID = 2", 1) + "DEBUG: COMMIT\n\n\n"))
         << text;
+}
+
+TEST_F(SequenceTest, CheckedCommitSaysWhetherTheTransactionWasKept)
+{
+    ASSERT_EQ(other.exec(u"create table items (id serial primary key, name text default '')"_s), "");
+    const std::pair<QSqlDatabase*, ScratchDatabase*> connections[] = {{db, &scratch}, {nullptr, &other}};
+    for (const auto& [connection, database] : connections) {
+        const int rows = database->column(u"select count(*) from items"_s).value(0).toInt();
+        manager.begin(connection);
+        manager.newRecord(items, connection);
+        EXPECT_TRUE(manager.commitTransaction(connection));
+        manager.begin(connection);
+        manager.removeRecord(items, 1, connection);
+        EXPECT_TRUE(manager.rollbackTransaction(connection));
+        // The failed statement aborts the transaction; the server then
+        // rolls it back at its COMMIT.
+        manager.begin(connection);
+        manager.removeRecord(items, 1, connection);
+        manager.executeQuery(u"insert into missing values (1)"_s, connection);
+        EXPECT_FALSE(manager.commitTransaction(connection));
+        EXPECT_EQ(database->column(u"select count(*) from items"_s), QStringList(QString::number(rows + 1)));
+    }
+    EXPECT_NE(log().find("ERROR: Error in the method COMMIT, to connection: test\n"), std::string::npos) << log();
 }
 
 TEST_F(SequenceTest, TransactionsOnTheDefaultConnectionSendStatements)

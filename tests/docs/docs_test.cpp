@@ -1,6 +1,7 @@
 // The manual's examples are real: every request shown in docs/ is rendered
-// by the real program with the configuration it names, and the result must
-// be the print file shown beside it. In Markdown:
+// by the real program with the configuration it names, the result must be
+// the print file shown beside it, and zentaro-preview finds nothing wrong
+// with it. In Markdown:
 //
 //   ```cfg config=NAME          a configuration (zentaro.conf)
 //   ```xml example=ID config=NAME   a request rendered with that configuration
@@ -77,7 +78,9 @@ std::vector<Block> allBlocks()
     return blocks;
 }
 
-QByteArray render(const QString& request, QString configuration)
+// Renders the request with the configuration and previews it with the same:
+// `findings` is left empty when the preview finds nothing wrong.
+QByteArray render(const QString& request, QString configuration, QByteArray& findings)
 {
     // The manual's configurations name the installed catalogues.
     configuration.replace(u"/usr/share/zentaro/translations/"_s, QStringLiteral(ZENTARO_TRANSLATIONS) + u'/');
@@ -91,6 +94,13 @@ QByteArray render(const QString& request, QString configuration)
     run.setProcessEnvironment(env);
     run.start(QStringLiteral(ZENTARO_PRINT), {home.filePath(u"request.xml"_s), home.filePath(u"print.txt"_s)});
     run.waitForFinished(30000);
+    QProcess preview;
+    preview.setProcessEnvironment(env);
+    preview.start(QStringLiteral(ZENTARO_PREVIEW), {home.filePath(u"request.xml"_s), home.filePath(u"picture.svg"_s)});
+    preview.waitForFinished(30000);
+    findings = preview.readAllStandardOutput();
+    if (preview.exitStatus() != QProcess::NormalExit || preview.exitCode() != 0)
+        findings += "zentaro-preview exited with " + QByteArray::number(preview.exitCode());
     return testsupport::readBytes(home.filePath(u"print.txt"_s)).replace("\r\n", "\n");
 }
 
@@ -118,7 +128,9 @@ TEST(Docs, EveryExampleRendersAsShown)
         const Block& shown = *outputs[block.name];
         QStringDecoder decoder(shown.codePage.isEmpty() ? "UTF-8" : shown.codePage.toLatin1().constData());
         ASSERT_TRUE(decoder.isValid()) << shown.codePage.toStdString();
-        const QByteArray printed = QString(decoder.decode(render(block.text, configurations[block.configName]))).toUtf8();
+        QByteArray findings;
+        const QByteArray printed = QString(decoder.decode(render(block.text, configurations[block.configName], findings))).toUtf8();
+        EXPECT_EQ(findings.toStdString(), "");
         if (qEnvironmentVariableIntValue("DOCS_UPDATE") == 1) {
             QString& text = rewritten.try_emplace(shown.file, QString::fromUtf8(testsupport::readBytes(shown.file))).first->second;
             const qsizetype at = text.indexOf(u"output="_s + shown.name);

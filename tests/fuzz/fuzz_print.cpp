@@ -2,8 +2,8 @@
 // and the command-text device, with a fixed configuration, and checks the
 // prefix rule: a request that breaks off at a fault prints exactly what the
 // same request cut just before the fault prints.
-#include "companyprinterdriver.h"
-#include "xmlreader.h"
+#include "printerdriver.h"
+#include "render.h"
 #include "ztconfiguration.h"
 
 #include <QBuffer>
@@ -35,22 +35,28 @@ const char configuration[] = R"(zentaro : {
 
 // Everything the driver prints for the elements, leaving out the closing
 // section that only a complete document gets.
-class WithoutEnd : public XmlContentHandler
+class WithoutEnd : public RenderWatcher
 {
 public:
-    explicit WithoutEnd(PrinterDriver& driver)
-        : driver(driver)
+    explicit WithoutEnd(const QByteArray& undeclaredEncoding)
+        : undeclaredEncoding(undeclaredEncoding)
     {
     }
-    bool startDocument() override { return driver.startDocument(); }
+    void watch(PrinterDriver& renderer, XmlReader& reader) override
+    {
+        driver = &renderer;
+        reader.setUndeclaredEncoding(undeclaredEncoding);
+    }
+    bool startDocument() override { return driver->startDocument(); }
     bool startElement(const QString& ns, const QString& local, const QString& qName,
                       const XmlAttributes& atts) override
     {
-        return driver.startElement(ns, local, qName, atts);
+        return driver->startElement(ns, local, qName, atts);
     }
 
 private:
-    PrinterDriver& driver;
+    QByteArray undeclaredEncoding;
+    PrinterDriver* driver = nullptr;
 };
 
 struct Printed
@@ -66,14 +72,10 @@ Printed print(QByteArray request, const QByteArray& undeclaredEncoding)
     QBuffer input(&request);
     input.open(QIODevice::ReadOnly);
     QByteArray output;
-    CompanyPrinterDriver driver(std::make_unique<QBuffer>(&output), settings.get());
-    WithoutEnd handler(driver);
-    XmlReader reader(handler);
-    reader.setBlankControlCharacters(true);
-    reader.setUndeclaredEncoding(undeclaredEncoding);
-    reader.parse(&input);
-    driver.flush();
-    return {output, reader.faultOffset(), reader.undeclaredEncoding()};
+    QBuffer printFile(&output);
+    WithoutEnd handler(undeclaredEncoding);
+    const RenderOutcome outcome = renderRequest(input, printFile, *settings, &handler);
+    return {output, outcome.faultOffset, outcome.undeclaredEncoding};
 }
 
 } // namespace

@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
-# Installs the build into a staging root, as a package would, and uses what
-# was installed: every file in its place, the manual pages render without a
-# warning, and an installed program run from another folder prints Italian
-# with the installed example configuration.
-#   install_test.sh BUILD_DIR PREFIX
+# Installs the build into a staging root under a prefix other than /usr and
+# uses what was installed: every file in its place, the manual pages render
+# without a warning and name the prefix's folders and the version, and an
+# installed program run from another folder prints Italian with the
+# installed example configuration.
+#   install_test.sh BUILD_DIR VERSION
 set -euo pipefail
-build=$1 prefix=$2
+build=$1 version=$2
+prefix=/opt/zentaro
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 root=$stage/root
 
-DESTDIR=$root cmake --install "$build" >/dev/null
+DESTDIR=$root cmake --install "$build" --prefix "$prefix" >/dev/null
 installed=$root$prefix
 
 for file in bin/zentaro-print bin/zentaro-config bin/zentaro-send bin/zentaro-preview \
@@ -26,7 +28,13 @@ done
 for page in "$installed"/share/man/man*/*.gz; do
   warnings=$(MANWIDTH=80 man --warnings -l "$page" 2>&1 >/dev/null)
   [[ -z $warnings ]] || { echo "$(basename "$page"): $warnings"; exit 1; }
+  head=$(zcat "$page" | head -n 1)
+  [[ $head == *"\"zentaro $version\""* ]] || { echo "$(basename "$page") names another version: $head"; exit 1; }
 done
+page=$installed/share/man/man1/zentaro-print.1.gz
+if ! zgrep -qF "$prefix/share/zentaro/translations/" "$page" || zgrep -q /usr/share/zentaro "$page"; then
+  echo "zentaro-print.1 does not name the installed catalogues"; exit 1
+fi
 
 # The example configuration names the catalogues by their installed path;
 # in the staging root that path lies under the root.

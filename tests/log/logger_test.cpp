@@ -144,13 +144,6 @@ INSTANTIATE_TEST_SUITE_P(Types, LoggerType,
                                          // Unknown or missing: the file stays closed and untouched.
                                          TypeCase{"replace", "old\n"}, TypeCase{"", "old\n"}));
 
-TEST_F(LoggerTest, AppendCreatesAMissingFile)
-{
-    auto logger = makeLogger(u"INFO"_s, u"APPEND"_s);
-    logger->info(u"new"_s);
-    EXPECT_EQ(logText(), "INFO: new\n");
-}
-
 TEST_F(LoggerTest, MissingFolderIsReportedWithTheTypeAsRead)
 {
     configuration = loggerConfiguration(u"DEBUG"_s, u"Append"_s, dir.filePath(u"missing"_s), u"print.log"_s);
@@ -170,17 +163,6 @@ TEST_F(LoggerTest, SetTypeOpensTheFileAnew)
     logger->setType(u"APPEND"_s);
     logger->info(u"third run"_s);
     EXPECT_EQ(logText(), "INFO: second run\nINFO: third run\n");
-}
-
-TEST_F(LoggerTest, TwoLoggersShareTheFileWithHandlesOfTheirOwn)
-{
-    configuration = loggerConfiguration(u"INFO"_s, u"APPEND"_s, dir.path(), u"print.log"_s);
-    Logger first(u"first"_s, configuration.get());
-    Logger second(u"second"_s, configuration.get());
-    first.info(u"1"_s);
-    second.info(u"2"_s);
-    first.info(u"3"_s);
-    EXPECT_EQ(logText(), "INFO: 1\nINFO: 2\nINFO: 3\n");
 }
 
 TEST(LoggerFileName, IsBaseSlashNameAsItStands)

@@ -1,5 +1,7 @@
-#include "xmlreader.h"
+#include "documents.h"
+#include "documenttypes.h"
 #include "testdriver.h"
+#include "xmlreader.h"
 
 #include <gtest/gtest.h>
 
@@ -52,31 +54,22 @@ TEST(Dispatch, MethodElementChoosesTheDocument)
     }
 }
 
-TEST(Dispatch, LoadsTheSettingsOfTheDocumentType)
+TEST(Dispatch, LoadsTheSettingsOfTheDocumentsType)
 {
-    // Paper widths in the test configuration: order 0, prefiscal absent,
-    // receipt "wide", invoice 40, report 44, sold 36, fiscal absent.
-    struct Case { const char* method; const char* prefix; int paperWidth; int quantityWidth; };
-    const Case cases[] = {
-        {"printPartialOrder", "zentaro.doc.", 32, 0},
-        {"printAbstractOrder", "zentaro.doc.", 32, 0},
-        {"printFullOrder", "zentaro.prefiscaldoc.", 32, 0},
-        {"printFullOrderReceipt", "zentaro.receiptdoc.", 32, 0},
-        {"printAbstractOrderInvoice", "zentaro.invoicedoc.", 40, 0},
-        {"printFullOrderDelivery", "zentaro.deliverydoc.", 32, 0},
-        {"printAbstractOrderFiscal", "zentaro.fiscaldoc.", 32, 0},
-        {"printReport", "zentaro.reportdoc.", 44, 4},
-        {"printStatementOfAccount", "zentaro.reportdoc.", 44, 4},
-        {"printSold", "zentaro.solddoc.", 36, 5},
-    };
-    for (const Case& c : cases) {
+    // The test configuration gives the types different paper widths
+    // (report 44, sold 36, invoice 40, a "wide" receipt read as 32).
+    for (const Documents::Document& document : Documents::all()) {
         TestDriver driver;
-        ASSERT_TRUE(driver.selectMethod(QString::fromLatin1(c.method)));
-        EXPECT_EQ(driver.method(), QLatin1StringView(c.method));
-        EXPECT_EQ(driver.docPath.toStdString(), c.prefix) << c.method;
-        EXPECT_EQ(driver.settings.paperWidth, c.paperWidth) << c.method;
-        EXPECT_EQ(driver.settings.quantityFieldWidth, c.quantityWidth) << c.method;
+        ASSERT_TRUE(driver.selectMethod(document.method.toString()));
+        EXPECT_EQ(driver.method(), document.method);
+        EXPECT_EQ(driver.docPath, document.type.prefix) << document.method.data();
+        EXPECT_EQ(driver.settings.paperWidth,
+                  readDocumentSettings(testConfiguration(), document.type).paperWidth)
+            << document.method.data();
     }
+    TestDriver statement;
+    statement.selectMethod(QStringLiteral("printStatementOfAccount"));
+    EXPECT_EQ(statement.settings.paperWidth, 44);
 
     // Only the exact text "true" switches on: "True", "1" and " true" do not.
     TestDriver invoice;

@@ -11,11 +11,17 @@
 // The settings the renderer tests run with.
 const ZTConfiguration& testConfiguration();
 
+// The memory the test driver writes to, made before the driver opens it.
+struct TestPrintFile
+{
+    QBuffer printFile;
+};
+
 // The device writing into memory, with the settings open to the tests.
-class TestDriver : public CompanyPrinterDriver
+class TestDriver : private TestPrintFile, public CompanyPrinterDriver
 {
 public:
-    TestDriver() : CompanyPrinterDriver(std::make_unique<QBuffer>(), &testConfiguration()) {}
+    TestDriver() : CompanyPrinterDriver(printFile, testConfiguration()) {}
 
     using PrinterDriver::docPath;
     using PrinterDriver::justify;
@@ -24,7 +30,7 @@ public:
     QByteArray bytes()
     {
         flush();
-        return static_cast<QBuffer&>(*file).data();
+        return printFile.data();
     }
     void setWidths(int w, int q, int p, int t)
     {

@@ -137,8 +137,8 @@ void expectGoldenFile(const QString& path, const QByteArray& actual)
     EXPECT_TRUE(expected == actual) << path.toStdString() << '\n' << lineDiff(expected, actual);
 }
 
-ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
-                      const QByteArray& input, const QStringList& environment)
+void startProgram(QProcess& process, const QString& program, const QStringList& arguments, const QString& home,
+                  const QStringList& environment)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("HOME"), home);
@@ -146,10 +146,16 @@ ProgramRun runProgram(const QString& program, const QStringList& arguments, cons
         env.remove(QString::fromLatin1(name));
     for (const QString& setting : environment)
         env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
-    QProcess process;
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(home);
     process.start(program, arguments);
+}
+
+ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
+                      const QByteArray& input, const QStringList& environment)
+{
+    QProcess process;
+    startProgram(process, program, arguments, home, environment);
     process.write(input);
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished(60000)) << program.toStdString() << " did not finish";

@@ -5,6 +5,7 @@
 // printed text.
 
 #include <QByteArray>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -72,9 +73,14 @@ struct ProgramRun
     QByteArray err;
 };
 
-// Runs a program in `home` (its working folder and HOME) with `input` on
-// its standard input, without a display whatever the caller's environment
-// says; `environment` adds NAME=VALUE settings on top.
+// Starts a program in `home` (its working folder and HOME) without a
+// display whatever the caller's environment says; `environment` adds
+// NAME=VALUE settings on top.
+void startProgram(QProcess& process, const QString& program, const QStringList& arguments, const QString& home,
+                  const QStringList& environment = {});
+
+// Runs a program as startProgram does, with `input` on its standard input,
+// and waits for its end.
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
                       const QByteArray& input = {}, const QStringList& environment = {});
 

@@ -1,5 +1,6 @@
 #include "commandline.h"
 
+#include "toolcommon.h"
 #include "ztconfiguration.h"
 
 #include <QFileInfo>
@@ -34,8 +35,6 @@ CommandLine::CommandLine()
     , m_formatOption(u"format"_s, u"Read PATH as cfg or xml (default: xml for a name ending in .xml, else cfg)."_s,
                      u"cfg|xml"_s)
     , m_screenshotOption(u"screenshot"_s, u"edit: save a picture of the window as PNG and quit."_s, u"PNG"_s)
-    , m_helpOption({u"h"_s, u"help"_s}, u"Show this help."_s)
-    , m_versionOption({u"v"_s, u"version"_s}, u"Show the version."_s)
 {
     m_screenshotOption.setFlags(QCommandLineOption::HiddenFromHelp);
     m_parser.setApplicationDescription(
@@ -49,7 +48,8 @@ CommandLine::CommandLine()
         "  write-cfg FILE   write the configuration to FILE as cfg text\n"
         "  write-xml FILE   write the configuration to FILE as XML\n"
         "  edit             open the configuration in an editor window"_s);
-    m_parser.addOptions({m_fileOption, m_formatOption, m_screenshotOption, m_helpOption, m_versionOption});
+    m_parser.addOptions({m_fileOption, m_formatOption, m_screenshotOption});
+    addHelpAndVersion(m_parser);
     m_parser.addPositionalArgument(u"command"_s, u"get KEY, set KEY VALUE, dump, write-cfg FILE, write-xml FILE or edit."_s,
                                    u"command [arguments]"_s);
 }
@@ -60,7 +60,7 @@ bool CommandLine::parse(const QStringList& arguments)
         m_error = m_parser.errorText();
         return false;
     }
-    if (helpRequested() || versionRequested())
+    if (m_parser.isSet(u"help"_s) || m_parser.isSet(u"version"_s))
         return true;
 
     m_invocation.file = m_parser.isSet(m_fileOption) ? m_parser.value(m_fileOption) : ZTConfiguration::userFilePath();
@@ -112,21 +112,6 @@ bool CommandLine::readCommand(const QStringList& words)
         m_invocation.screenshot = m_parser.value(m_screenshotOption);
     }
     return true;
-}
-
-bool CommandLine::helpRequested() const
-{
-    return m_parser.isSet(m_helpOption);
-}
-
-bool CommandLine::versionRequested() const
-{
-    return m_parser.isSet(m_versionOption);
-}
-
-QString CommandLine::helpText() const
-{
-    return m_parser.helpText();
 }
 
 QString CommandLine::usageLine()

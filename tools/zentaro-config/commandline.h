@@ -26,13 +26,10 @@ public:
     // requests are understood whatever else the line holds.
     bool parse(const QStringList& arguments);
 
-    bool helpRequested() const;
-    bool versionRequested() const;
+    const QCommandLineParser& parser() const { return m_parser; }
     const Invocation& invocation() const { return m_invocation; }
     const QString& error() const { return m_error; }
 
-    // The full help; it needs the application object.
-    QString helpText() const;
     static QString usageLine();
 
 private:
@@ -42,8 +39,6 @@ private:
     QCommandLineOption m_fileOption;
     QCommandLineOption m_formatOption;
     QCommandLineOption m_screenshotOption;
-    QCommandLineOption m_helpOption;
-    QCommandLineOption m_versionOption;
     Invocation m_invocation;
     QString m_error;
 };

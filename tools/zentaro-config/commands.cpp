@@ -4,6 +4,7 @@
 #include "textencoding.h"
 #include "treewalk.h"
 #include "valuecheck.h"
+#include "xmlreader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -14,12 +15,6 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
-
-void complain(const QString& message)
-{
-    const QByteArray line = "zentaro-config: " + message.toLocal8Bit() + '\n';
-    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
-}
 
 namespace {
 
@@ -54,7 +49,7 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
         const QString reason = !info.exists() ? u"no such file"_s
             : !info.isFile()                  ? u"not a regular file"_s
                                               : file.errorString();
-        complain(u"cannot read %1: %2"_s.arg(invocation.file, reason));
+        printError(u"cannot read %1: %2"_s.arg(invocation.file, reason));
         return nullptr;
     }
     file.close();
@@ -62,11 +57,17 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
     // Every well-formed XML file has a root element; the reader keeps
     // nothing of one that does not parse.
     if (invocation.format == "xml"_L1 && !configuration->document()->firstChild()) {
-        complain(u"cannot read %1: not well-formed XML"_s.arg(invocation.file));
+        // A valid file can hold a value too large for the reader.
+        const qint64 line = configuration->oversizedMarkupLine();
+        const QString why = line < 0
+            ? u"not well-formed XML"_s
+            : u"a start tag or other markup at line %1 is larger than the limit of %2 MiB"_s.arg(line).arg(
+                  XmlReader::largestMarkup >> 20);
+        printError(u"cannot read %1: %2"_s.arg(invocation.file, why));
         return nullptr;
     }
     if (nestsTooDeep(configuration->document())) {
-        complain(u"cannot read %1: groups nested deeper than %2 levels"_s.arg(invocation.file).arg(maxGroupDepth));
+        printError(u"cannot read %1: groups nested deeper than %2 levels"_s.arg(invocation.file).arg(maxGroupDepth));
         return nullptr;
     }
     return configuration;
@@ -102,7 +103,7 @@ bool isTheInput(const QString& output, const Invocation& invocation)
 int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation)
 {
     if (isTheInput(invocation.argument, invocation)) {
-        complain(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
+        printError(u"%1 is the file being read; write to another file"_s.arg(invocation.argument));
         return exitFailure;
     }
     // The writers report a file they cannot write on their own line.
@@ -116,7 +117,7 @@ int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation
 int setValue(const Invocation& invocation)
 {
     if (invocation.format != "cfg"_L1) {
-        complain(u"set changes cfg files only; %1 is XML"_s.arg(invocation.file));
+        printError(u"set changes cfg files only; %1 is XML"_s.arg(invocation.file));
         return exitFailure;
     }
     QString problem = valueProblem(invocation.argument, invocation.value);
@@ -128,7 +129,7 @@ int setValue(const Invocation& invocation)
         edited = libconfig::setCfgSetting(file.readAll(), invocation.argument, invocation.value, &problem);
     if (edited && libconfig::replaceFileContents(invocation.file, *edited, &problem))
         return exitSuccess;
-    complain(problem);
+    printError(problem);
     return exitFailure;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commandline.h"
+#include "toolcommon.h"
 #include "ztconfiguration.h"
 
 #include <QString>
@@ -8,16 +9,9 @@
 #include <cstddef>
 #include <memory>
 
-// Exit statuses: done; not found or a file that could not be read or
-// written; wrong usage.
-enum ExitStatus { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
-
 // The tool takes groups nested at most this deep: beyond it a file is
 // refused as unreadable rather than converted into something far larger.
 inline constexpr std::size_t maxGroupDepth = 100;
-
-// One line on standard error, after the program's name.
-void complain(const QString& message);
 
 // The configuration the invocation names, or null after a complaint when
 // the file cannot be read, or is XML that does not parse.

@@ -4,6 +4,7 @@
 #include "commandline.h"
 #include "commands.h"
 #include "editorwindow.h"
+#include "toolcommon.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -15,25 +16,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void printOut(const QString& text)
-{
-    const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
-}
-
-// Without a platform to show a window on, the toolkit would abort; say so
-// in a line instead.
-bool displayAvailable()
-{
-    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY")
-        || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
 int runEditor(int argc, char** argv, const Invocation& invocation)
 {
     if (!displayAvailable()) {
-        complain(u"edit needs a display (DISPLAY or WAYLAND_DISPLAY; QT_QPA_PLATFORM=offscreen shows nothing)"_s);
-        return exitFailure;
+        // A window no one sees would wait for ever. A picture of it needs
+        // no display: the offscreen platform draws it.
+        if (invocation.screenshot.isEmpty()) {
+            printError(u"edit needs a display (DISPLAY or WAYLAND_DISPLAY; the offscreen platform shows nothing)"_s);
+            return exitFailure;
+        }
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
     std::unique_ptr<ZTConfiguration> configuration = loadConfiguration(invocation);
@@ -50,7 +43,7 @@ int runEditor(int argc, char** argv, const Invocation& invocation)
         if (window.grab().save(invocation.screenshot, "PNG"))
             status = exitSuccess;
         else
-            complain(u"cannot write %1"_s.arg(invocation.screenshot));
+            printError(u"cannot write %1"_s.arg(invocation.screenshot));
         app.quit();
     });
     app.exec();
@@ -61,31 +54,22 @@ int runEditor(int argc, char** argv, const Invocation& invocation)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication::setApplicationName(u"zentaro-config"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZENTARO_VERSION));
+    setProgram("zentaro-config", ZENTARO_VERSION);
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     CommandLine commandLine;
-    const bool understood = commandLine.parse(arguments);
-    const bool informationOnly = commandLine.helpRequested() || commandLine.versionRequested();
-    if (understood && !informationOnly && commandLine.invocation().command == "edit"_L1)
-        return runEditor(argc, argv, commandLine.invocation());
-
-    QCoreApplication app(argc, argv);
-    if (!understood) {
-        complain(commandLine.error());
+    if (!commandLine.parse(arguments)) {
+        printError(commandLine.error());
         std::fputs(qPrintable(CommandLine::usageLine() + u'\n'), stderr);
         return exitUsage;
     }
-    if (commandLine.helpRequested()) {
-        printOut(commandLine.helpText());
-        return exitSuccess;
-    }
-    if (commandLine.versionRequested()) {
-        printOut(u"zentaro-config %1\n"_s.arg(QCoreApplication::applicationVersion()));
-        return exitSuccess;
-    }
+    if (const std::optional<int> status = answerHelpOrVersion(commandLine.parser()))
+        return *status;
+    if (commandLine.invocation().command == "edit"_L1)
+        return runEditor(argc, argv, commandLine.invocation());
+
+    QCoreApplication app(argc, argv);
     return runCommand(commandLine.invocation());
 }

@@ -9,8 +9,9 @@
 #include "findings.h"
 #include "pngpicture.h"
 #include "preview.h"
-#include "printrun.h"
+#include "catalogue.h"
 #include "textpictures.h"
+#include "toolcommon.h"
 #include "ztconfiguration.h"
 
 #include <QCommandLineParser>
@@ -28,15 +29,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int nothingFlagged = 0;
+// A finding is not a failure of the program, and input it cannot read is
+// as wrong as a wrong command line: the statuses say so.
+constexpr int nothingFlagged = exitSuccess;
 constexpr int somethingFlagged = 1;
-constexpr int failed = 2;
-
-const char programName[] = "zentaro-preview";
+constexpr int failed = exitUsage;
 
 int fail(const QString& message)
 {
-    std::fprintf(stderr, "%s: %s\n", programName, message.toLocal8Bit().constData());
+    printError(message);
     return failed;
 }
 
@@ -48,7 +49,7 @@ struct Request
     QString output; // "-": SVG on standard output
     Format format = Format::Svg;
     QString configPath;
-    int width = 0;
+    unsigned width = 0;
     QByteArray codePage;
 };
 
@@ -96,12 +97,10 @@ std::optional<Request> readRequest(const QCommandLineParser& parser, const Optio
     }
     request.format = *format;
     if (parser.isSet(options.width)) {
-        bool ok = false;
-        request.width = parser.value(options.width).toInt(&ok);
-        if (!ok || request.width < 1 || request.width > 4096) {
-            *error = "--width: '"_L1 + parser.value(options.width) + "' is not a width from 1 to 4096"_L1;
+        const std::optional<unsigned> width = wholeNumber(parser, options.width, error, 1, 4096);
+        if (!width)
             return std::nullopt;
-        }
+        request.width = *width;
     }
     request.configPath = parser.value(options.config);
     request.codePage = parser.value(options.codePage).toLatin1();
@@ -164,7 +163,7 @@ int run(const Request& request)
 
     preview::PreviewSettings settings;
     settings.configuration = configuration.get();
-    settings.width = request.width;
+    settings.width = int(request.width);
     settings.codePage = request.codePage;
     const QString source = request.input == "-"_L1 ? u"<stdin>"_s : request.input;
     preview::Paper paper = preview::previewInput(*input, source, settings);
@@ -199,7 +198,7 @@ int run(const Request& request)
 void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s: %s\n", programName, message.toLocal8Bit().constData());
+        printError(message);
 }
 
 } // namespace
@@ -207,8 +206,7 @@ void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& m
 int main(int argc, char** argv)
 {
     qInstallMessageHandler(quietQtMessages);
-    QCoreApplication::setApplicationName(QString::fromLatin1(programName));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZENTARO_VERSION));
+    setProgram("zentaro-preview", ZENTARO_VERSION);
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
@@ -224,22 +222,14 @@ int main(int argc, char** argv)
         "from other text. Exit status: 0 nothing flagged, 1 something flagged, 2 usage or input errors."_s);
     const Options options;
     parser.addOptions({options.config, options.width, options.codePage});
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
+    addHelpAndVersion(parser);
     parser.addPositionalArgument(u"INPUT"_s, u"The request or print file; - reads standard input."_s);
     parser.addPositionalArgument(u"OUTPUT"_s, u"The picture: .png, .svg, .html, or -."_s);
 
     if (!parser.parse(arguments))
         return fail(parser.errorText());
-    if (parser.isSet(help)) {
-        const QString text = parser.helpText().replace("<executable_name>"_L1, QLatin1StringView(programName));
-        std::fputs(text.toLocal8Bit().constData(), stdout);
-        return nothingFlagged;
-    }
-    if (parser.isSet(version)) {
-        std::printf("%s %s\n", programName, ZENTARO_VERSION);
-        return nothingFlagged;
-    }
+    if (const std::optional<int> status = answerHelpOrVersion(parser))
+        return *status;
     QString error;
     const std::optional<Request> request = readRequest(parser, options, &error);
     if (!request)

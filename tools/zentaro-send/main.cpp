@@ -3,38 +3,29 @@
 // Copies a print file line by line to a line printer, a serial port, a FIFO
 // or a file, pausing between lines and asking for a new sheet when one is
 // full, or sends one page of it. Errors are one line on standard error;
-// the exit status is 0 on success, 1 when the copy failed, 2 for a wrong
-// command line.
+// the exit status is 0 on success, 1 when the print file could not be sent,
+// 2 for a wrong command line, 3 when the device did not take it (a printer
+// that is off, missing or out of paper).
 
+#include "diagnostics.h"
 #include "hlibrary.h"
-#include "printrun.h"
+#include "catalogue.h"
 #include "syncsingleton.h"
+#include "toolcommon.h"
 #include "ztconfiguration.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
+#include <QFileInfo>
 #include <QTranslator>
 
-#include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int copyFailed = 1;
-constexpr int wrongUsage = 2;
-
-const char programName[] = "zentaro-send";
-
-void printError(const QString& message)
-{
-    std::fprintf(stderr, "%s: %s\n", programName, message.toLocal8Bit().constData());
-}
 
 struct Request
 {
@@ -72,18 +63,6 @@ struct Options
                                   u"Ask for a new sheet on the terminal even when a display is available."_s};
 };
 
-// A whole number from an option; an error message when it is not one.
-std::optional<unsigned> wholeNumber(const QCommandLineParser& parser, const QCommandLineOption& option,
-                                    QString* error)
-{
-    bool ok = false;
-    const QString text = parser.value(option);
-    const unsigned value = text.toUInt(&ok);
-    if (!ok)
-        *error = "--"_L1 + option.names().constFirst() + ": '"_L1 + text + "' is not a whole number"_L1;
-    return ok ? std::optional(value) : std::nullopt;
-}
-
 // Reads the command line into a request; false, with `error` set, when it
 // is wrong.
 bool readRequest(const QCommandLineParser& parser, const Options& options, Request* request, QString* error)
@@ -114,17 +93,23 @@ bool readRequest(const QCommandLineParser& parser, const Options& options, Reque
         return false;
     }
 
-    // Each option that is set must be a whole number.
-    const std::pair<const QCommandLineOption*, unsigned*> numbers[] = {
-        {&options.linesPerSheet, &request->linesPerSheet},
-        {&options.pause, &request->pauseMs},
-        {&options.linesPerPage, &request->linesPerPage},
-        {&options.copies, &request->copies},
+    // Each option that is set must be a whole number; no copies at all is
+    // a slip, not a request.
+    const struct
+    {
+        const QCommandLineOption* option;
+        unsigned* target;
+        unsigned minimum;
+    } numbers[] = {
+        {&options.linesPerSheet, &request->linesPerSheet, 0},
+        {&options.pause, &request->pauseMs, 0},
+        {&options.linesPerPage, &request->linesPerPage, 0},
+        {&options.copies, &request->copies, 1},
     };
-    for (const auto& [option, target] : numbers) {
+    for (const auto& [option, target, minimum] : numbers) {
         if (!parser.isSet(*option))
             continue;
-        const std::optional<unsigned> value = wholeNumber(parser, *option, error);
+        const std::optional<unsigned> value = wholeNumber(parser, *option, error, minimum);
         if (!value)
             return false;
         *target = *value;
@@ -139,72 +124,80 @@ bool readRequest(const QCommandLineParser& parser, const Options& options, Reque
     return true;
 }
 
-// A display to show the paper prompt on.
-bool graphicalSession()
-{
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
-        || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-}
-
-// Lines of a file as the copy counts them: pieces of at most 127 bytes.
-std::uint64_t countLines(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    char buffer[128];
-    std::uint64_t lines = 0;
-    while (file.readLine(buffer, sizeof buffer) > 0)
-        ++lines;
-    return lines;
-}
-
-bool sendOnce(const Request& request)
+HLibrary::CopyResult sendOnce(const Request& request)
 {
     if (request.page)
-        return HLibrary::copy(request.printFile, request.device, request.linesPerPage, request.pauseMs,
-                              *request.page);
-    return HLibrary::copy(request.printFile, request.device, request.linesPerSheet, request.pauseMs);
+        return HLibrary::copyWithResult(request.printFile, request.device, request.linesPerPage, request.pauseMs,
+                                        *request.page);
+    return HLibrary::copyWithResult(request.printFile, request.device, request.linesPerSheet, request.pauseMs);
 }
 
-// Why a copy failed once the print file was found readable.
-QString copyFailure(const Request& request)
+// The error line for a failed copy, and the status to exit with.
+int reportFailure(const Request& request, const HLibrary::CopyResult& result)
 {
-    if (request.page) {
-        const std::uint64_t before = std::uint64_t(request.linesPerPage) * *request.page;
-        if (before > 0 && countLines(request.printFile) <= before)
-            return request.printFile + " has no page "_L1 + QString::number(*request.page) + " of "_L1
-                + QString::number(request.linesPerPage) + " lines"_L1;
+    using Failure = HLibrary::CopyResult::Failure;
+    switch (result.failure) {
+    case Failure::SourceUnreadable:
+        printError("cannot read "_L1 + request.printFile + ": "_L1 + result.errorText);
+        return exitFailure;
+    case Failure::NoSuchPage:
+        printError(request.printFile + " has no page "_L1 + QString::number(*request.page) + " of "_L1
+                   + QString::number(request.linesPerPage) + " lines"_L1);
+        return exitFailure;
+    case Failure::DestinationUnopenable:
+        printError("cannot open "_L1 + request.device + ": "_L1 + result.errorText);
+        return exitPrinterNotReady;
+    case Failure::WriteFailed:
+        printError("cannot write to "_L1 + request.device + " after "_L1 + QString::number(result.linesWritten)
+                   + " lines ("_L1 + QString::number(result.bytesWritten) + " bytes): "_L1 + result.errorText);
+        return exitPrinterNotReady;
+    case Failure::None:
+        break;
     }
-    return "cannot write to "_L1 + request.device;
+    return exitSuccess;
+}
+
+// What the suite's code reports while reading settings goes to standard
+// error as the program's own error lines: standard output carries the
+// paper prompt.
+void passOn(const DiagnosticCapture& capture)
+{
+    for (const QByteArray& line : capture.lines())
+        printError(QString::fromLocal8Bit(line));
+}
+
+// Reads the user's configuration and loads the paper prompt's language.
+void loadSettings(QTranslator* translator)
+{
+    const QString path = ZTConfiguration::userFilePath();
+    DiagnosticCapture capture;
+    loadTranslation(*translator, *SyncSingleton<ZTConfiguration>::instance());
+    if (QFileInfo(path).isFile())
+        passOn(capture);
+    else
+        printError("no configuration at "_L1 + path + "; sending with the defaults"_L1);
 }
 
 unsigned copiesToSend(const Request& request)
 {
     if (request.copiesOf.isEmpty())
         return request.copies;
+    DiagnosticCapture capture;
     bool ok = false;
     const unsigned configured = HLibrary::copyNumber(request.copiesOf).trimmed().toUInt(&ok);
+    passOn(capture);
     return ok ? configured : 1;
 }
 
 int send(const Request& request)
 {
-    QFile printFile(request.printFile);
-    if (!printFile.open(QIODevice::ReadOnly)) {
-        printError("cannot read "_L1 + request.printFile + ": "_L1 + printFile.errorString());
-        return copyFailed;
-    }
-    printFile.close();
-
     const unsigned copies = copiesToSend(request);
     for (unsigned copy = 0; copy < copies; ++copy) {
-        if (!sendOnce(request)) {
-            printError(copyFailure(request));
-            return copyFailed;
-        }
+        const HLibrary::CopyResult result = sendOnce(request);
+        if (!result.succeeded())
+            return reportFailure(request, result);
     }
-    return 0;
+    return exitSuccess;
 }
 
 } // namespace
@@ -215,57 +208,37 @@ int main(int argc, char** argv)
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
 
-    QCoreApplication::setApplicationName(QString::fromLatin1(programName));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZENTARO_VERSION));
+    setProgram("zentaro-send", ZENTARO_VERSION);
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Sends PRINTFILE to DEVICE (a line printer such as /dev/usb/lp0, a serial port, a FIFO or a file) "
         "line by line."_s);
-    // Qt's own help option would also offer Qt's options, which a tool
-    // that may have no display does not take.
-    const QCommandLineOption help({u"h"_s, u"help"_s}, u"Displays this help."_s);
-    parser.addOption(help);
-    const QCommandLineOption version = parser.addVersionOption();
+    addHelpAndVersion(parser);
     const Options options;
     parser.addOptions({options.linesPerSheet, options.pause, options.page, options.linesPerPage, options.copies,
                        options.copiesOf, options.textPrompt});
     parser.addPositionalArgument(u"PRINTFILE"_s, u"The print file to send."_s);
     parser.addPositionalArgument(u"DEVICE"_s, u"Where to send it."_s);
 
-    if (!parser.parse(arguments)) {
-        printError(parser.errorText());
-        return wrongUsage;
-    }
-    if (parser.isSet(help)) {
-        // The command line is parsed before there is an application object
-        // (its kind depends on the options), so the help cannot know the
-        // program's name by itself.
-        QString text = parser.helpText();
-        text.replace("<executable_name>"_L1, QLatin1StringView(programName));
-        std::fputs(text.toLocal8Bit().constData(), stdout);
-        return 0;
-    }
-    if (parser.isSet(version)) {
-        std::printf("%s %s\n", programName, ZENTARO_VERSION);
-        return 0;
-    }
+    if (!parser.parse(arguments))
+        return usageError(parser.errorText());
+    if (const std::optional<int> status = answerHelpOrVersion(parser))
+        return *status;
     Request request;
     QString error;
-    if (!readRequest(parser, options, &request, &error)) {
-        printError(error + " (see --help)"_L1);
-        return wrongUsage;
-    }
+    if (!readRequest(parser, options, &request, &error))
+        return usageError(error);
 
-    // The paper prompt is a message box in a graphical session and a line
-    // on the terminal otherwise; the kind of application decides which.
+    // The paper prompt is a message box where someone sees it and a line on
+    // the terminal otherwise; the kind of application decides which.
     std::unique_ptr<QCoreApplication> application;
-    if (graphicalSession() && !request.textPrompt)
+    if (displayAvailable() && !request.textPrompt)
         application = std::make_unique<QApplication>(argc, argv);
     else
         application = std::make_unique<QCoreApplication>(argc, argv);
 
     QTranslator translator;
-    loadTranslation(translator, *SyncSingleton<ZTConfiguration>::instance());
+    loadSettings(&translator);
     QCoreApplication::installTranslator(&translator);
 
     return send(request);

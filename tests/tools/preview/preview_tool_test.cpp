@@ -67,7 +67,6 @@ TEST_F(PreviewTool, WrongCommandLinesAndUnreadableInputAreOneLineAndStatusTwo)
         {u"clean.xml"_s, u"out.svg"_s, u"more"_s},
         {u"--width"_s, u"0"_s, u"clean.xml"_s, u"out.svg"_s},
         {u"--width"_s, u"wide"_s, u"clean.xml"_s, u"out.svg"_s},
-        {u"--colour"_s, u"clean.xml"_s, u"out.svg"_s},
         {u"missing.xml"_s, u"out.svg"_s},
         {u"folder"_s, u"out.svg"_s},
         {u"--config"_s, u"missing.conf"_s, u"clean.xml"_s, u"out.svg"_s},
@@ -82,16 +81,6 @@ TEST_F(PreviewTool, WrongCommandLinesAndUnreadableInputAreOneLineAndStatusTwo)
         EXPECT_EQ(result.err.count('\n'), 1) << shown << ": " << result.err.toStdString();
     }
     EXPECT_FALSE(QFile::exists(path(u"out.svg"_s)));
-}
-
-TEST_F(PreviewTool, HelpAndVersion)
-{
-    const Outcome help = run({u"--help"_s});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(help.out.startsWith("Usage: zentaro-preview [options] INPUT OUTPUT\n")) << help.out.toStdString();
-    const Outcome version = run({u"--version"_s});
-    EXPECT_EQ(version.status, 0);
-    EXPECT_TRUE(version.out.startsWith("zentaro-preview ")) << version.out.toStdString();
 }
 
 TEST_F(PreviewTool, StatusSaysWhetherAnythingWasFlagged)

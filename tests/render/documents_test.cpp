@@ -3,9 +3,9 @@
 // table lists; changing a printed one must change the print file, changing
 // a kept or an unlisted one must not, and neither must anything a switch
 // that is off leaves out.
-#include "companyprinterdriver.h"
-#include "requestreading.h"
-#include "xmlreader.h"
+#include "documents.h"
+#include "documenttypes.h"
+#include "render.h"
 #include "ztconfiguration.h"
 
 #include <QBuffer>
@@ -15,30 +15,15 @@
 #include <set>
 
 using namespace Qt::StringLiterals;
-using namespace RequestReading;
+using namespace Documents;
 
 namespace {
 
-// The seventeen switches by name.
-const std::pair<const char*, Switch> switches[] = {
-    {"printGeometry", &DocumentSettings::printGeometry}, {"printHeader", &DocumentSettings::printHeader},
-    {"printLogo", &DocumentSettings::printLogo}, {"printCompany", &DocumentSettings::printCompany},
-    {"printDeliveryAddress", &DocumentSettings::printDeliveryAddress},
-    {"printTelephone", &DocumentSettings::printTelephone}, {"printDate", &DocumentSettings::printDate},
-    {"printTime", &DocumentSettings::printTime}, {"printTable", &DocumentSettings::printTable},
-    {"printCustomer", &DocumentSettings::printCustomer},
-    {"printBillingAddress", &DocumentSettings::printBillingAddress},
-    {"printLicenseNumber", &DocumentSettings::printLicenseNumber},
-    {"printFiscalCode", &DocumentSettings::printFiscalCode}, {"printCredit", &DocumentSettings::printCredit},
-    {"printWaiter", &DocumentSettings::printWaiter}, {"printNote", &DocumentSettings::printNote},
-    {"openCashDrawer", &DocumentSettings::openCashDrawer},
-};
-
 QByteArray nameOf(Switch member)
 {
-    for (const auto& [name, candidate] : switches) {
-        if (candidate == member)
-            return name;
+    for (const SwitchKey& key : switchKeys()) {
+        if (key.member == member)
+            return QByteArray(key.keyWord.data(), key.keyWord.size());
     }
     return {};
 }
@@ -48,28 +33,27 @@ std::unique_ptr<ZTConfiguration> configuration(const QByteArray& off = {})
 {
     QByteArray settings = "quantityFieldWidth = 3; priceFieldWidth = 8; totalPriceFieldWidth = 9;"
                           " paperWidth = 40; topMargin = 1;";
-    for (const auto& [name, member] : switches)
-        settings += QByteArray(" ") + name + " = \"" + (off == name ? "false" : "true") + "\";";
+    for (const SwitchKey& key : switchKeys()) {
+        const QByteArray name = nameOf(key.member);
+        settings += " " + name + " = \"" + (off == name ? "false" : "true") + "\";";
+    }
     QByteArray text = "zentaro : {\n";
-    for (const char* type : {"doc", "prefiscaldoc", "fiscaldoc", "receiptdoc", "invoicedoc", "deliverydoc",
-                             "reportdoc", "solddoc"})
-        text += QByteArray("  ") + type + " : { " + settings + " };\n";
+    for (const DocumentType* type : DocumentTypes::all()) {
+        // "zentaro.receiptdoc." holds its settings in the group "receiptdoc".
+        const QByteArray group = QByteArray(type->prefix.data(), type->prefix.size()).split('.').at(1);
+        text += "  " + group + " : { " + settings + " };\n";
+    }
     return ZTConfiguration::fromText(text + "};\n");
 }
 
 QByteArray render(const ZTConfiguration& settings, const QString& request)
 {
-    auto buffer = std::make_unique<QBuffer>();
-    QBuffer* printFile = buffer.get();
+    QBuffer printFile;
     QBuffer input;
     input.setData(request.toUtf8());
     input.open(QIODevice::ReadOnly);
-    {
-        CompanyPrinterDriver driver(std::move(buffer), &settings);
-        parseXml(&input, driver);
-        driver.flush();
-        return printFile->data();
-    }
+    renderRequest(input, printFile, settings);
+    return printFile.data();
 }
 
 struct SampleAttribute
@@ -178,7 +162,7 @@ std::vector<Change> changesOf(const Document& document, Switch switchedOff)
     // Every element some document reads, and a misspelling, where this one
     // reads no such element.
     std::set<QString> others{u"recipe"_s};
-    for (const Document& other : documents()) {
+    for (const Document& other : all()) {
         for (const Element* element : elementsOf(other))
             others.insert(element->name);
     }
@@ -206,24 +190,14 @@ void expectChanges(const Document& document, const ZTConfiguration& settings, Sw
     }
 }
 
-TEST(RequestReading, ListsTheDriversMethodsInItsOrder)
-{
-    std::vector<QLatin1StringView> listed;
-    for (const Document& document : documents())
-        listed.push_back(document.method);
-    EXPECT_EQ(listed, PrinterDriver::documentMethods());
-    EXPECT_EQ(document(u"printFullOrderReceipt"), &documents()[2]);
-    EXPECT_EQ(document(u"printRecipe"), nullptr);
-}
-
-TEST(RequestReading, WhatIsListedAsPrintedPrintsAndNothingElseDoes)
+TEST(Documents, WhatIsListedAsPrintedPrintsAndNothingElseDoes)
 {
     const auto settings = configuration();
-    for (const Document& document : documents())
+    for (const Document& document : all())
         expectChanges(document, *settings, nullptr);
 }
 
-TEST(RequestReading, WhatASwitchLeavesOutDoesNotPrint)
+TEST(Documents, WhatASwitchLeavesOutDoesNotPrint)
 {
     // Each switch that the table names, off in turn.
     std::set<QByteArray> named;
@@ -232,7 +206,7 @@ TEST(RequestReading, WhatASwitchLeavesOutDoesNotPrint)
         if (member && named.insert(nameOf(member)).second)
             namedSwitches.push_back(member);
     };
-    for (const Document& document : documents()) {
+    for (const Document& document : all()) {
         for (const Element* element : elementsOf(document)) {
             note(element->switchedBy);
             note(element->everyAttributeSwitchedBy);
@@ -243,7 +217,7 @@ TEST(RequestReading, WhatASwitchLeavesOutDoesNotPrint)
     ASSERT_GE(namedSwitches.size(), 12u);
     for (Switch member : namedSwitches) {
         const auto settings = configuration(nameOf(member));
-        for (const Document& document : documents())
+        for (const Document& document : all())
             expectChanges(document, *settings, member);
     }
 }

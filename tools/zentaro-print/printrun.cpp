@@ -1,37 +1,19 @@
 #include "printrun.h"
 
 #include "catalogue.h"
-#include "companyprinterdriver.h"
 #include "diagnostics.h"
+#include "render.h"
 #include "syncsingleton.h"
-#include "xmlreader.h"
 #include "ztconfiguration.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QLocale>
 #include <QTranslator>
 
 #include <csignal>
 #include <cstdio>
-#include <new>
 
 #include <sys/stat.h>
-
-using namespace Qt::StringLiterals;
-
-void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration)
-{
-    const QString base = configuration.getStrValue(u"zentaro.language.basedir"_s);
-    const QString file = configuration.getStrValue(u"zentaro.language.file"_s);
-    // "/" as the file asks for the catalogue of the system locale in the base
-    // folder; any other value is joined to the base as it stands. Without a
-    // catalogue the labels stay English.
-    if (file == "/"_L1)
-        loadSoundCatalogue(translator, base + "/zentaro_"_L1 + QLocale::system().name(), u"."_s);
-    else
-        loadSoundCatalogue(translator, base + file);
-}
 
 namespace {
 
@@ -45,22 +27,19 @@ bool sameFile(const char* first, const char* second)
 
 void render(const char* requestPath, const char* printPath, const ZTConfiguration& configuration)
 {
-    // The driver opens (and empties) the print file before the request is read.
-    CompanyPrinterDriver driver(QString::fromLocal8Bit(printPath), &configuration);
     QFile input(QString::fromLocal8Bit(requestPath));
     // A request that cannot be read parses as empty input.
     (void)input.open(QIODevice::ReadOnly);
-    XmlReader reader(driver);
-    // Request text must not be able to end a printed line or start a command.
-    reader.setBlankControlCharacters(true);
-    try {
-        reader.parse(&input);
-    } catch (const std::bad_alloc&) {
-        // What was rendered so far is kept: the driver writes it on its way out.
+    // The renderer opens (and empties) the print file before the request is read.
+    QFile output(QString::fromLocal8Bit(printPath));
+    const RenderOutcome outcome = renderRequest(input, output, configuration);
+    if (outcome.outOfMemory)
         printDiagnostic({"Out of memory: the print file ends with what was rendered before"});
-    }
-    if (const QByteArray summary = driver.replacementSummary(); !summary.isEmpty())
-        printDiagnostic({summary});
+    if (!outcome.writeError.isEmpty())
+        printDiagnostic({"Writing ", printPath, " failed, the print file is incomplete: ",
+                         outcome.writeError.toLocal8Bit()});
+    if (!outcome.replacementSummary.isEmpty())
+        printDiagnostic({outcome.replacementSummary});
 }
 
 } // namespace

@@ -1,26 +1,31 @@
 #pragma once
 
-#include "printerdriver.h"
+#include "documentsettings.h"
 
 #include <QLatin1StringView>
 #include <QStringView>
 
 #include <span>
 
-// What each document method reads from a request: the elements it reacts to
-// after its "method" element and, of each, the attributes that reach the
-// paper. Request checks and the manual are made from this table; the
-// renderer's tests hold it to what the document methods actually print.
-namespace RequestReading {
+struct DocumentType;
+class PrinterDriver;
+class XmlAttributes;
+
+// The documents a request can name in its "method" element, declared once:
+// what each is (its type, hence its settings and copy count; fiscal or not;
+// what it does to the duplicate flag) and, for each element it reads after
+// the method element, the driver operation that prints it and the
+// attributes that reach the paper. The driver dispatches through this
+// table, and the preview's request checks, the manual and the tools read it.
+namespace Documents {
+
+class DocumentTable;
 
 // Whether what is read reaches the paper.
 enum class Use {
     Printed, // prints (when its switch, if any, is on)
     Kept,    // read, but nothing of it reaches the paper of this printer
 };
-
-// A per-document switch (printDate, printCustomer, ...).
-using Switch = bool DocumentSettings::*;
 
 struct Attribute
 {
@@ -30,9 +35,13 @@ struct Attribute
     Switch switchedBy = nullptr;
 };
 
+// What the driver does with one element of the request.
+using Handler = void (PrinterDriver::*)(const XmlAttributes&);
+
 struct Element
 {
     QLatin1StringView name;
+    Handler print;
     std::span<const Attribute> attributes = {};
     Use use = Use::Printed;
     Switch switchedBy = nullptr;
@@ -47,9 +56,16 @@ struct Element
     bool reads(qsizetype position, QStringView name) const;
 };
 
+// What choosing a document does to the driver's duplicate flag.
+enum class DuplicateEffect { Unchanged, Set, Clear };
+
 struct Document
 {
     QLatin1StringView method;
+    const DocumentType& type;
+    // Printed by the fiscal printer: command lines instead of framed text.
+    bool fiscal;
+    DuplicateEffect duplicate;
     // List documents offer every element to the shared header elements first.
     bool sharesSections;
     std::span<const Element> own;
@@ -61,9 +77,9 @@ struct Document
 // The header elements every list document shares (printers, headers,
 // company, receipt, orderinfo, ...).
 std::span<const Element> sectionElements();
-// One entry per document method, in the order the driver tries them.
-std::span<const Document> documents();
-// The document of that method name, or null when there is none.
-const Document* document(QStringView method);
+// Every document, in the order a method name is tried.
+std::span<const Document> all();
+// The document of that method name (exact case), or null.
+const Document* find(QStringView method);
 
-} // namespace RequestReading
+} // namespace Documents

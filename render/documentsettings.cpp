@@ -1,0 +1,133 @@
+#include "documentsettings.h"
+
+#include "documenttypes.h"
+#include "ztconfiguration.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr SwitchKey switches[] = {
+    {"printGeometry"_L1, &DocumentSettings::printGeometry},
+    {"printHeader"_L1, &DocumentSettings::printHeader},
+    {"printLogo"_L1, &DocumentSettings::printLogo},
+    {"printCompany"_L1, &DocumentSettings::printCompany},
+    {"printDeliveryAddress"_L1, &DocumentSettings::printDeliveryAddress},
+    {"printBillingAddress"_L1, &DocumentSettings::printBillingAddress},
+    {"printTelephone"_L1, &DocumentSettings::printTelephone},
+    {"printDate"_L1, &DocumentSettings::printDate},
+    {"printTime"_L1, &DocumentSettings::printTime},
+    {"printTable"_L1, &DocumentSettings::printTable},
+    {"printCustomer"_L1, &DocumentSettings::printCustomer},
+    {"printLicenseNumber"_L1, &DocumentSettings::printLicenseNumber},
+    {"printFiscalCode"_L1, &DocumentSettings::printFiscalCode},
+    {"printCredit"_L1, &DocumentSettings::printCredit},
+    {"printWaiter"_L1, &DocumentSettings::printWaiter},
+    {"printNote"_L1, &DocumentSettings::printNote},
+    {"openCashDrawer"_L1, &DocumentSettings::openCashDrawer},
+};
+
+// Kept as the setting says within the bound, negative widths included.
+int boundedWidth(int width)
+{
+    constexpr int widestLine = 4096;
+    return std::clamp(width, -widestLine, widestLine);
+}
+
+// Reads the settings of one prefix; all the keys share it, so one buffer
+// serves them all: only the key word after the prefix changes.
+class SettingsReader
+{
+public:
+    SettingsReader(const ZTConfiguration& configuration, QLatin1StringView prefix, MisreadSettings* misread)
+        : configuration(configuration), prefixLength(prefix.size()), misread(misread)
+    {
+        key.reserve(prefix.size() + 32);
+        key.append(prefix);
+    }
+
+    QString text(QLatin1StringView keyWord)
+    {
+        key.truncate(prefixLength);
+        key.append(keyWord);
+        return configuration.getStrValue(key);
+    }
+    // Empty or malformed text reads as 0, as toInt reports it.
+    int number(QLatin1StringView keyWord)
+    {
+        const QString value = text(keyWord);
+        bool isNumber = false;
+        const int read = value.toInt(&isNumber);
+        if (!isNumber && !value.isEmpty() && misread)
+            misread->note(key, value, false);
+        return read;
+    }
+    int width(QLatin1StringView keyWord) { return boundedWidth(number(keyWord)); }
+    // A switch is on only for "true".
+    bool flag(QLatin1StringView keyWord)
+    {
+        const QString value = text(keyWord);
+        if (value == "true"_L1)
+            return true;
+        if (!value.isEmpty() && value != "false"_L1 && misread)
+            misread->note(key, value, true);
+        return false;
+    }
+
+private:
+    const ZTConfiguration& configuration;
+    QString key;
+    qsizetype prefixLength;
+    MisreadSettings* misread;
+};
+
+} // namespace
+
+std::span<const SwitchKey> switchKeys()
+{
+    return switches;
+}
+
+void MisreadSettings::note(const QString& key, const QString& text, bool isSwitch)
+{
+    const bool known = std::any_of(notes.begin(), notes.end(),
+                                   [&key](const MisreadSetting& noted) { return noted.key == key; });
+    if (!known)
+        notes.push_back({key, text, isSwitch});
+}
+
+int readWidthSetting(const ZTConfiguration& configuration, const QString& key, MisreadSettings* misread)
+{
+    const QString text = configuration.getStrValue(key);
+    bool number = false;
+    const int value = text.toInt(&number);
+    if (!number && !text.isEmpty() && misread)
+        misread->note(key, text, false);
+    return boundedWidth(value);
+}
+
+DocumentSettings readDocumentSettings(const ZTConfiguration& configuration, const DocumentType& type,
+                                      MisreadSettings* misread)
+{
+    SettingsReader read(configuration, type.prefix, misread);
+    DocumentSettings settings;
+    settings.quantityFieldWidth = read.width("quantityFieldWidth"_L1);
+    settings.priceFieldWidth = read.width("priceFieldWidth"_L1);
+    settings.totalPriceFieldWidth = read.width("totalPriceFieldWidth"_L1);
+    settings.paperWidth = read.width("paperWidth"_L1);
+    settings.paperRows = read.number("paperRows"_L1);
+    if (settings.paperWidth == 0)
+        settings.paperWidth = defaultPaperWidth;
+    settings.style = read.text("style"_L1);
+    for (const SwitchKey& key : switches)
+        settings.*key.member = read.flag(key.keyWord);
+    settings.codePage = read.text("codePage"_L1).trimmed().toLatin1();
+    if (&type == &DocumentTypes::fiscal) {
+        settings.descriptionWidth = read.width("descriptionWidth"_L1);
+        if (settings.descriptionWidth == 0)
+            settings.descriptionWidth = defaultPaperWidth;
+    }
+    return settings;
+}

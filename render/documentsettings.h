@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QByteArray>
+#include <QLatin1StringView>
+#include <QString>
+
+#include <span>
+#include <vector>
+
+struct DocumentType;
+class ZTConfiguration;
+
+// The paper width of a document whose settings name none: the receipt
+// printer's 32 columns.
+inline constexpr int defaultPaperWidth = 32;
+
+// Settings of one document type, read from "<prefix><key word>" keys; each
+// field bears the name of the key word that fills it.
+struct DocumentSettings
+{
+    int quantityFieldWidth = 0;
+    int priceFieldWidth = 0;
+    int totalPriceFieldWidth = 0;
+    int paperWidth = 0;
+    int paperRows = 0;
+    QString style; // free text: read with the others, used by no document
+
+    bool printGeometry = false;
+    bool printHeader = false;
+    bool printLogo = false;
+    bool printCompany = false;
+    bool printDeliveryAddress = false;
+    bool printTelephone = false;
+    bool printDate = false;
+    bool printTime = false;
+    bool printTable = false;
+    bool printCustomer = false;
+    bool printBillingAddress = false;
+    bool printLicenseNumber = false;
+    bool printFiscalCode = false;
+    bool printCredit = false;
+    bool printWaiter = false;
+    bool printNote = false;
+    bool openCashDrawer = false;
+
+    // The printer's character set ("CP858", ...); empty: the locale's.
+    QByteArray codePage;
+    // How much of an item's name the fiscal printer takes; read for fiscal
+    // documents only, the paper width of the device when none is set.
+    int descriptionWidth = 0;
+};
+
+// A per-document switch (printDate, printCustomer, ...).
+using Switch = bool DocumentSettings::*;
+
+struct SwitchKey
+{
+    QLatin1StringView keyWord;
+    Switch member;
+};
+// The switches, in the order they are read.
+std::span<const SwitchKey> switchKeys();
+
+// A setting whose text read as 0 or false although it was neither empty nor
+// "false": "yes" for a switch, "wide" for a width.
+struct MisreadSetting
+{
+    QString key;
+    QString text;
+    bool isSwitch; // read as false; otherwise a number read as 0
+};
+
+// Notes each misread setting once, in the order read: settings are read
+// again for every document of a type.
+class MisreadSettings
+{
+public:
+    void note(const QString& key, const QString& text, bool isSwitch);
+    const std::vector<MisreadSetting>& all() const { return notes; }
+
+private:
+    std::vector<MisreadSetting> notes;
+};
+
+// Reads a whole number the way the documents do: empty or malformed text is
+// 0 (and noted in `misread`, if given, unless empty), and a width far beyond
+// any paper is bounded so that no line grows to the size of memory.
+int readWidthSetting(const ZTConfiguration& configuration, const QString& key,
+                     MisreadSettings* misread = nullptr);
+
+// The settings of one document type; the fiscal type's also hold its
+// description width.
+DocumentSettings readDocumentSettings(const ZTConfiguration& configuration, const DocumentType& type,
+                                      MisreadSettings* misread = nullptr);
