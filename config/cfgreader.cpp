@@ -64,44 +64,44 @@ QString latin1Text(QByteArrayView bytes, bool dropQuotes)
 void CfgStream::open(QByteArray text)
 {
     bytes = std::move(text);
-    position = 0;
+    m_position = 0;
 }
 
 void CfgStream::close()
 {
     bytes = QByteArray();
-    position = 0;
+    m_position = 0;
 }
 
 bool CfgStream::atEnd() const
 {
-    return position >= bytes.size();
+    return m_position >= bytes.size();
 }
 
 QByteArrayView CfgStream::readText(char& structural)
 {
-    const qsizetype begin = position;
+    const qsizetype begin = m_position;
     const qsizetype size = bytes.size();
     const char* data = bytes.constData();
-    while (position < size && classOf(data[position]) != Structural)
-        ++position;
-    const QByteArrayView text(data + begin, position - begin);
-    structural = position < size ? data[position++] : '\0';
+    while (m_position < size && classOf(data[m_position]) != Structural)
+        ++m_position;
+    const QByteArrayView text(data + begin, m_position - begin);
+    structural = m_position < size ? data[m_position++] : '\0';
     return text;
 }
 
 QByteArrayView CfgStream::readValue()
 {
-    const qsizetype begin = position;
-    const qsizetype end = bytes.indexOf(';', position);
-    position = end < 0 ? bytes.size() : end + 1;
+    const qsizetype begin = m_position;
+    const qsizetype end = bytes.indexOf(';', m_position);
+    m_position = end < 0 ? bytes.size() : end + 1;
     return QByteArrayView(bytes).sliced(begin, (end < 0 ? bytes.size() : end) - begin);
 }
 
 bool CfgStream::skipPast(char c)
 {
-    const qsizetype found = bytes.indexOf(c, position);
-    position = found < 0 ? bytes.size() : found + 1;
+    const qsizetype found = bytes.indexOf(c, m_position);
+    m_position = found < 0 ? bytes.size() : found + 1;
     return found >= 0;
 }
 

@@ -32,9 +32,13 @@ public:
     // input ends first.
     bool skipPast(char c);
 
+    qsizetype position() const { return m_position; }
+    // Where a view given out by readText or readValue starts in the input.
+    qsizetype offsetOf(QByteArrayView text) const { return text.data() - bytes.constData(); }
+
 private:
     QByteArray bytes;
-    qsizetype position = 0;
+    qsizetype m_position = 0;
 };
 
 // A name as the reader keeps it: cut at a NUL (names were once C strings),
@@ -71,5 +75,49 @@ private:
     ConfigNode& document;
     std::vector<OpenGroup> open;
 };
+
+// The "cfg" grammar knows three structural characters; the text before each
+// is the name it applies to:
+//   name ':' ... '{'     opens a group (whatever stands before the '{' is skipped)
+//   name '=' value ';'   sets a key in the innermost open group
+//   '}' ... ';'          closes the innermost group; at the top level it ends the file
+// There are no comments and no escapes, and no syntax errors: every fault
+// in the text has the effect these steps give it. The reader hears of each
+// step together with where its bytes lie in the input:
+//   bool openGroup(QByteArrayView name, qsizetype nameAt, qsizetype bodyAt)
+//   void setSetting(QByteArrayView name, qsizetype nameAt, QByteArrayView value, qsizetype valueAt, qsizetype endAt)
+//   bool closeGroup(qsizetype braceAt, qsizetype endAt)
+// bodyAt is just after the group's '{', endAt just after a ';'. Reading stops
+// where openGroup or closeGroup answers false; the answer is then false.
+template<class Reader>
+bool parseCfg(CfgStream& stream, Reader& reader)
+{
+    char structural = '\0';
+    while (!stream.atEnd()) {
+        const QByteArrayView text = stream.readText(structural);
+        switch (structural) {
+        case ':':
+            stream.skipPast('{');
+            if (!reader.openGroup(text, stream.offsetOf(text), stream.position()))
+                return false;
+            break;
+        case '=': {
+            const QByteArrayView value = stream.readValue();
+            reader.setSetting(text, stream.offsetOf(text), value, stream.offsetOf(value), stream.position());
+            break;
+        }
+        case '}': {
+            const qsizetype braceAt = stream.position() - 1;
+            stream.skipPast(';');
+            if (!reader.closeGroup(braceAt, stream.position()))
+                return false;
+            break;
+        }
+        default:
+            break; // text after the last structural character is not kept
+        }
+    }
+    return true;
+}
 
 } // namespace libconfig

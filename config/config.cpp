@@ -112,38 +112,41 @@ void Config::loadFile()
     readCfgStream();
 }
 
-// The "cfg" grammar knows three structural characters; the text before each
-// is the name it applies to:
-//   name ':' ... '{'     opens a group (whatever stands before the '{' is skipped)
-//   name '=' value ';'   sets a key in the innermost open group
-//   '}' ... ';'          closes the innermost group; at the top level it ends the file
-// There are no comments and no escapes, and no syntax errors: every fault
-// in the text has the effect these steps give it.
+namespace {
+
+// Builds the tree from what parseCfg meets.
+class CfgTreeReader
+{
+public:
+    CfgTreeReader(ConfigNode& document, const QString& fileName)
+        : tree(document, fileName)
+    {
+    }
+
+    bool openGroup(QByteArrayView name, qsizetype, qsizetype)
+    {
+        tree.openGroup(cfgName(name));
+        return true;
+    }
+    void setSetting(QByteArrayView name, qsizetype, QByteArrayView value, qsizetype, qsizetype)
+    {
+        tree.setSetting(cfgName(name), cfgValue(value));
+    }
+    bool closeGroup(qsizetype, qsizetype) { return tree.closeGroup(); }
+
+private:
+    CfgTreeBuilder tree;
+};
+
+} // namespace
+
 void Config::readCfgStream()
 {
-    CfgTreeBuilder tree(*documentRoot, fileName);
-    char structural = '\0';
-    while (!stream.atEnd()) {
-        const QByteArrayView text = stream.readText(structural);
-        switch (structural) {
-        case ':':
-            jump('{');
-            tree.openGroup(cfgName(text));
-            break;
-        case '=':
-            tree.setSetting(cfgName(text), cfgValue(stream.readValue()));
-            break;
-        case '}':
-            jump(';');
-            // The rest of the file stays unread until the stream is closed.
-            if (!tree.closeGroup())
-                return;
-            break;
-        default:
-            break; // text after the last structural character is not kept
-        }
-    }
-    closeFile();
+    CfgTreeReader reader(*documentRoot, fileName);
+    // After a '}' at the top level the rest of the file stays unread until
+    // the stream is closed.
+    if (parseCfg(stream, reader))
+        closeFile();
 }
 
 void Config::loadXmlFile()

@@ -62,6 +62,8 @@ public:
     // ISO 8859-1, byte for byte what the reader reads; XML is UTF-8.
     bool buildConfigFile(const QString& name = {}) const;
     void buildConfigFile(const ConfigNode* node, QTextStream& ts) const;
+    // The bytes buildConfigFile() writes to a file.
+    QByteArray cfgText() const;
     bool buildConfigXmlFile(const QString& name = {}) const;
     void buildConfigXmlFile(const ConfigNode* node, QTextStream& ts) const;
     // The tree on standard output, for inspection: "Tree ", then each
@@ -79,6 +81,8 @@ public:
     // Replaces the tree with what the view shows and saves it in the file's
     // own format over fileName; true when the file was written.
     bool loadListView(const QTreeWidget* view);
+    // Replaces the tree with what the view shows, without saving it.
+    void takeListView(const QTreeWidget* view);
     // Appends the element that `item` shows, with everything under it,
     // below `parent` (the document root for a top-level item).
     void loadListView(const QTreeWidgetItem* item, ConfigNode* parent) const;

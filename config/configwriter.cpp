@@ -11,6 +11,7 @@
 #include <QStringEncoder>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace libconfig {
@@ -19,10 +20,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Every level of nesting is written four blanks further in.
-QString indentation(std::size_t depth)
+// Every level of nesting is written four blanks further in, down to a
+// floor: deeper levels stay there, so that the text written stays
+// proportional to the tree however deep the tree nests. The blanks are
+// views into one text, not built for each line.
+constexpr std::size_t deepestIndentedLevel = 64;
+
+QStringView indentation(std::size_t depth)
 {
-    return QString(qsizetype(4 * depth), u' ');
+    static const QString blanks(qsizetype(4 * deepestIndentedLevel), u' ');
+    return QStringView(blanks).first(qsizetype(4 * std::min(depth, deepestIndentedLevel)));
 }
 
 const ConfigNode* childAt(const ConfigNode* node, std::size_t i)
@@ -46,7 +53,7 @@ void walkElements(const ConfigNode* top, Enter enter, Leave leave)
 
 // One setting in the "cfg" syntax. The value is always quoted, so that
 // blanks at its ends survive being read back.
-void writeCfgSetting(QTextStream& ts, const QString& indent, const std::pair<QString, QString>& setting)
+void writeCfgSetting(QTextStream& ts, QStringView indent, const std::pair<QString, QString>& setting)
 {
     ts << indent << setting.first << " = \"" << setting.second << "\";\n";
 }
@@ -56,7 +63,7 @@ void writeCfgSetting(QTextStream& ts, const QString& indent, const std::pair<QSt
 void writeFileSettings(QTextStream& ts, const ConfigNode& fileElement)
 {
     for (const auto& setting : fileElement.attributes())
-        writeCfgSetting(ts, QString(), setting);
+        writeCfgSetting(ts, {}, setting);
 }
 
 // Writes a whole file through a save file: the text goes to a temporary
@@ -67,9 +74,11 @@ bool writeTextFile(const QString& name, QByteArrayView operation, QStringConvert
                    WriteBody writeBody)
 {
     QSaveFile file(name);
-    // A folder the user may not write in still lets a writable file in it
-    // be saved: it is then written in place.
-    file.setDirectWriteFallback(true);
+    // Never written in place: a failure would leave the file half-written,
+    // and a name that is another link to the file being read would be
+    // written through. A folder that cannot take the temporary file is an
+    // error instead.
+    file.setDirectWriteFallback(false);
     if (!file.open(QIODevice::WriteOnly)) {
         printDiagnostic({"Error in the method Config::", operation, "( ", name.toLocal8Bit(), " ): Unable To Open File"});
         return false;
@@ -85,19 +94,24 @@ bool writeTextFile(const QString& name, QByteArrayView operation, QStringConvert
     return true;
 }
 
-// A whole file: the file element's own settings, then its first group
+// A whole text: the file element's own settings, then its first group
 // written by `writeGroup`; later top-level groups are not written.
+template<class WriteGroup>
+void writeDocument(const ConfigNode* root, QTextStream& ts, WriteGroup writeGroup)
+{
+    const ConfigNode* fileElement = root ? root->firstChild() : nullptr;
+    if (!fileElement)
+        return;
+    writeFileSettings(ts, *fileElement);
+    writeGroup(fileElement->firstChild(), ts);
+}
+
 template<class WriteGroup>
 bool writeTree(const ConfigNode* root, const QString& name, QByteArrayView operation,
                QStringConverter::Encoding encoding, WriteGroup writeGroup)
 {
-    const ConfigNode* fileElement = root ? root->firstChild() : nullptr;
-    return writeTextFile(name, operation, encoding, [&](QTextStream& ts) {
-        if (!fileElement)
-            return;
-        writeFileSettings(ts, *fileElement);
-        writeGroup(fileElement->firstChild(), ts);
-    });
+    return writeTextFile(name, operation, encoding,
+                         [&](QTextStream& ts) { writeDocument(root, ts, writeGroup); });
 }
 
 } // namespace
@@ -108,6 +122,17 @@ bool Config::buildConfigFile(const QString& name) const
                      [this](const ConfigNode* group, QTextStream& ts) { buildConfigFile(group, ts); });
 }
 
+QByteArray Config::cfgText() const
+{
+    QByteArray bytes;
+    QTextStream ts(&bytes);
+    ts.setEncoding(textEncoding(u"cfg"));
+    writeDocument(documentRoot.get(), ts,
+                  [this](const ConfigNode* group, QTextStream& out) { buildConfigFile(group, out); });
+    ts.flush();
+    return bytes;
+}
+
 // A group header ends with a blank after the colon and its brace stands on
 // a line of its own; an empty line follows every group.
 void Config::buildConfigFile(const ConfigNode* node, QTextStream& ts) const
@@ -115,9 +140,9 @@ void Config::buildConfigFile(const ConfigNode* node, QTextStream& ts) const
     walkElements(
         node,
         [&ts](const ConfigNode& group, std::size_t depth) {
-            const QString indent = indentation(depth);
+            const QStringView indent = indentation(depth);
             ts << indent << group.tagName() << ": \n" << indent << "{\n";
-            const QString settingIndent = indentation(depth + 1);
+            const QStringView settingIndent = indentation(depth + 1);
             for (const auto& setting : group.attributes())
                 writeCfgSetting(ts, settingIndent, setting);
         },
@@ -142,7 +167,7 @@ void Config::buildConfigXmlFile(const ConfigNode* node, QTextStream& ts) const
         node,
         [&ts](const ConfigNode& element, std::size_t depth) {
             ts << '\n' << indentation(depth) << '<' << element.tagName();
-            const QString settingIndent = indentation(depth + 1);
+            const QStringView settingIndent = indentation(depth + 1);
             for (const auto& [name, value] : element.attributes())
                 ts << '\n' << settingIndent << name << " = \"" << value << '"';
             ts << ">\n";

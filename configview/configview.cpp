@@ -98,14 +98,19 @@ bool Config::loadListView(const QTreeWidget* view)
 {
     if (!view)
         return false;
-    documentRoot = std::make_unique<ConfigNode>();
-    for (int i = 0; i < view->topLevelItemCount(); ++i)
-        loadListView(view->topLevelItem(i), documentRoot.get());
+    takeListView(view);
     if (fileType == "cfg"_L1)
         return buildConfigFile();
     if (fileType == "xml"_L1)
         return buildConfigXmlFile();
     return false;
+}
+
+void Config::takeListView(const QTreeWidget* view)
+{
+    documentRoot = std::make_unique<ConfigNode>();
+    for (int i = 0; view && i < view->topLevelItemCount(); ++i)
+        loadListView(view->topLevelItem(i), documentRoot.get());
 }
 
 // A setting's item sets an attribute on the element of its parent item and

@@ -109,8 +109,7 @@ TEST_P(WriterGolden, ReadsBackAsTheSameTree)
 INSTANTIATE_TEST_SUITE_P(Cases, WriterGolden, testing::ValuesIn(writerCases()),
                          [](const testing::TestParamInfo<WriterCase>& info) { return info.param.name; });
 
-// The walk keeps its own stack; the printout, unlike the indented writers,
-// stays linear in the depth and so can show it.
+// The walk keeps its own stack, so the printout can show any depth.
 TEST(ConfigWriter, DeepNestingDoesNotExhaustTheStack)
 {
     constexpr int depth = 200000;
@@ -125,6 +124,23 @@ TEST(ConfigWriter, DeepNestingDoesNotExhaustTheStack)
     const std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), depth + 3);
     EXPECT_TRUE(printed.ends_with("g\nk = v\n"));
+}
+
+// Past a floor the indentation stops growing: the text stays proportional
+// to the tree (four blanks more on every level would make some 150 MB of
+// these 5000 levels) and still reads back as the same tree.
+TEST(ConfigWriter, DeepTreeWritesTextProportionalToIt)
+{
+    constexpr int depth = 5000;
+    const auto config = loadText(QByteArray("g:{").repeated(depth) + "k=v;", u"cfg"_s);
+    QTemporaryDir scratch;
+    const QString xmlPath = scratch.filePath(u"deep.xml"_s);
+    ASSERT_TRUE(config->buildConfigXmlFile(xmlPath));
+
+    for (const auto& [format, text] : {std::pair{u"cfg"_s, config->cfgText()}, std::pair{u"xml"_s, readBytes(xmlPath)}}) {
+        EXPECT_LT(text.size(), 1000 * depth) << format.toStdString();
+        EXPECT_EQ(dumpTree(loadText(text, format)->document()).size(), dumpTree(config->document()).size());
+    }
 }
 
 } // namespace

@@ -14,6 +14,8 @@ int argumentCount(const QString& command)
 {
     if (command == "get"_L1 || command == "write-cfg"_L1 || command == "write-xml"_L1)
         return 1;
+    if (command == "set"_L1)
+        return 2;
     if (command == "dump"_L1 || command == "edit"_L1)
         return 0;
     return -1;
@@ -40,14 +42,16 @@ CommandLine::CommandLine()
         "Commands:\n"
         "  get KEY          print the value of a dotted key such as zentaro.logger.level\n"
         "                   (exit status 1 when the key has no value)\n"
+        "  set KEY VALUE    change the value of a key in a cfg file, or add the key;\n"
+        "                   nothing else in the file changes\n"
         "  dump             print the whole tree\n"
         "  write-cfg FILE   write the configuration to FILE as cfg text\n"
         "  write-xml FILE   write the configuration to FILE as XML\n"
         "  edit             open the configuration in an editor window"_s);
     m_parser.addOptions({m_fileOption, m_formatOption, m_screenshotOption});
     addHelpAndVersion(m_parser);
-    m_parser.addPositionalArgument(u"command"_s, u"get KEY, dump, write-cfg FILE, write-xml FILE or edit."_s,
-                                   u"command [argument]"_s);
+    m_parser.addPositionalArgument(u"command"_s, u"get KEY, set KEY VALUE, dump, write-cfg FILE, write-xml FILE or edit."_s,
+                                   u"command [arguments]"_s);
 }
 
 bool CommandLine::parse(const QStringList& arguments)
@@ -87,11 +91,14 @@ bool CommandLine::readCommand(const QStringList& words)
     }
     if (words.size() - 1 != wanted) {
         m_error = wanted == 0 ? u"%1 takes no argument"_s.arg(m_invocation.command)
-                              : u"%1 takes one argument"_s.arg(m_invocation.command);
+            : wanted == 1     ? u"%1 takes one argument"_s.arg(m_invocation.command)
+                              : u"%1 takes two arguments"_s.arg(m_invocation.command);
         return false;
     }
-    if (wanted == 1)
+    if (wanted >= 1)
         m_invocation.argument = words.at(1);
+    if (wanted == 2)
+        m_invocation.value = words.at(2);
     // An empty name would make the writers fall back to the file being read.
     if (m_invocation.command.startsWith("write-"_L1) && m_invocation.argument.isEmpty()) {
         m_error = u"%1 needs a file name"_s.arg(m_invocation.command);
@@ -109,5 +116,5 @@ bool CommandLine::readCommand(const QStringList& words)
 
 QString CommandLine::usageLine()
 {
-    return u"Usage: zentaro-config [--file PATH] [--format cfg|xml] get KEY | dump | write-cfg FILE | write-xml FILE | edit"_s;
+    return u"Usage: zentaro-config [--file PATH] [--format cfg|xml] get KEY | set KEY VALUE | dump | write-cfg FILE | write-xml FILE | edit"_s;
 }

@@ -8,8 +8,9 @@
 // What one run of zentaro-config was asked to do.
 struct Invocation
 {
-    QString command;    // get, dump, write-cfg, write-xml or edit
-    QString argument;   // the KEY of get, the FILE of write-cfg and write-xml
+    QString command;    // get, set, dump, write-cfg, write-xml or edit
+    QString argument;   // the KEY of get and set, the FILE of write-cfg and write-xml
+    QString value;      // the VALUE of set
     QString file;       // the configuration file worked on
     QString format;     // its format, "cfg" or "xml"
     QString screenshot; // edit: a PNG of the window is saved there, then the program ends

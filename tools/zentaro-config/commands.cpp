@@ -1,15 +1,43 @@
 #include "commands.h"
 
+#include "cfgedit.h"
 #include "textencoding.h"
+#include "treewalk.h"
+#include "valuecheck.h"
 #include "xmlreader.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringEncoder>
 
+#include <sys/stat.h>
+
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// Whether the tree nests groups deeper than the tool takes. Walking stops
+// at the first group past the bound.
+bool nestsTooDeep(const libconfig::ConfigNode* document)
+{
+    bool tooDeep = false;
+    libconfig::walkTree(
+        document,
+        [](const libconfig::ConfigNode* node, std::size_t i) {
+            return i < node->children().size() ? node->children()[i].get() : nullptr;
+        },
+        [&tooDeep](const libconfig::ConfigNode*, std::size_t depth) {
+            // The document root and the file element stand above the groups.
+            tooDeep = tooDeep || depth > maxGroupDepth + 1;
+            return !tooDeep;
+        },
+        [](const libconfig::ConfigNode*, std::size_t) {});
+    return tooDeep;
+}
+
+} // namespace
 
 std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
 {
@@ -38,6 +66,10 @@ std::unique_ptr<ZTConfiguration> loadConfiguration(const Invocation& invocation)
         printError(u"cannot read %1: %2"_s.arg(invocation.file, why));
         return nullptr;
     }
+    if (nestsTooDeep(configuration->document())) {
+        printError(u"cannot read %1: groups nested deeper than %2 levels"_s.arg(invocation.file).arg(maxGroupDepth));
+        return nullptr;
+    }
     return configuration;
 }
 
@@ -56,11 +88,16 @@ int printValue(const ZTConfiguration& configuration, const Invocation& invocatio
     return exitSuccess;
 }
 
-// The input is never written over: a conversion goes to another file.
+// The input is never written over: a conversion goes to another file. The
+// same file may have other names (hard links, symbolic links, bind
+// mounts), so it is told by its device and inode, not by its path.
 bool isTheInput(const QString& output, const Invocation& invocation)
 {
-    const QString target = QFileInfo(output).canonicalFilePath();
-    return !target.isEmpty() && target == QFileInfo(invocation.file).canonicalFilePath();
+    struct stat target {};
+    struct stat input {};
+    return ::stat(QFile::encodeName(output).constData(), &target) == 0
+        && ::stat(QFile::encodeName(invocation.file).constData(), &input) == 0 && target.st_dev == input.st_dev
+        && target.st_ino == input.st_ino;
 }
 
 int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation)
@@ -76,6 +113,26 @@ int writeCopy(const ZTConfiguration& configuration, const Invocation& invocation
     return written ? exitSuccess : exitFailure;
 }
 
+// Changes the value's bytes in the file and nothing else.
+int setValue(const Invocation& invocation)
+{
+    if (invocation.format != "cfg"_L1) {
+        printError(u"set changes cfg files only; %1 is XML"_s.arg(invocation.file));
+        return exitFailure;
+    }
+    QString problem = valueProblem(invocation.argument, invocation.value);
+    QFile file(invocation.file);
+    if (problem.isEmpty() && !file.open(QIODevice::ReadOnly))
+        problem = u"cannot read %1: %2"_s.arg(invocation.file, file.errorString());
+    std::optional<QByteArray> edited;
+    if (problem.isEmpty())
+        edited = libconfig::setCfgSetting(file.readAll(), invocation.argument, invocation.value, &problem);
+    if (edited && libconfig::replaceFileContents(invocation.file, *edited, &problem))
+        return exitSuccess;
+    printError(problem);
+    return exitFailure;
+}
+
 } // namespace
 
 int runCommand(const Invocation& invocation)
@@ -83,6 +140,8 @@ int runCommand(const Invocation& invocation)
     const std::unique_ptr<ZTConfiguration> configuration = loadConfiguration(invocation);
     if (!configuration)
         return exitFailure;
+    if (invocation.command == "set"_L1)
+        return setValue(invocation);
     if (invocation.command == "get"_L1)
         return printValue(*configuration, invocation);
     if (invocation.command == "dump"_L1) {

@@ -1,9 +1,13 @@
 #include "editorwindow.h"
 
+#include "cfgedit.h"
 #include "configitems.h"
+#include "treewalk.h"
+#include "valuecheck.h"
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QFile>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -12,6 +16,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QTreeWidget>
+
+#include <map>
 
 using namespace Qt::StringLiterals;
 using libconfig::settingShownBy;
@@ -39,6 +45,34 @@ bool holdsGroup(const QTreeWidgetItem* element)
         if (!isSetting(element->child(i)))
             return true;
     return false;
+}
+
+// The settings that saving writes, with their dotted keys: those of the
+// file's first group and of the groups in it.
+std::vector<ShownSetting> shownSettings(const QTreeWidget* view)
+{
+    std::vector<ShownSetting> shown;
+    const QTreeWidgetItem* file = view->topLevelItem(0);
+    const QTreeWidgetItem* top = nullptr;
+    for (int i = 0; file && !top && i < file->childCount(); ++i)
+        if (!isSetting(file->child(i)))
+            top = file->child(i);
+    QStringList path;
+    libconfig::walkTree(
+        top,
+        [](const QTreeWidgetItem* item, std::size_t i) {
+            return int(i) < item->childCount() ? item->child(int(i)) : nullptr;
+        },
+        [&](const QTreeWidgetItem* item, std::size_t) {
+            if (const auto setting = settingShownBy(item)) {
+                shown.push_back({path.join(u'.') + u'.' + setting->first, setting->second});
+                return false;
+            }
+            path << item->text(0);
+            return true;
+        },
+        [&path](const QTreeWidgetItem*, std::size_t) { path.removeLast(); });
+    return shown;
 }
 
 } // namespace
@@ -72,6 +106,7 @@ EditorWindow::EditorWindow(std::unique_ptr<ZTConfiguration> configuration, const
     connect(model, &QAbstractItemModel::rowsRemoved, this, modified);
     connect(m_view, &QTreeWidget::currentItemChanged, this, [this] { updateActions(); });
     updateActions();
+    m_savedSettings = shownSettings(m_view);
 }
 
 void EditorWindow::createActions()
@@ -178,15 +213,73 @@ void EditorWindow::removeCurrent()
         delete current;
 }
 
+// A value is checked against its key before anything is written. A "cfg"
+// file keeps its text: changed and added settings are set in it one by one,
+// and the file is rewritten as a whole only when the view holds more than
+// that (a removal, a renamed or empty group), which setting cannot give.
 bool EditorWindow::save()
 {
-    if (!m_configuration->loadListView(m_view)) {
-        QMessageBox::warning(this, u"Save"_s, u"%1 could not be written."_s.arg(m_path));
+    // What the view shows beyond what it showed when last saved or loaded:
+    // a setting of a group that another group of the same name hides is
+    // only changed if its own value is.
+    const std::vector<ShownSetting> shown = shownSettings(m_view);
+    std::map<std::pair<QString, QString>, int> before;
+    for (const ShownSetting& setting : m_savedSettings)
+        ++before[{setting.key, setting.value}];
+    std::vector<ShownSetting> changed;
+    for (const ShownSetting& setting : shown)
+        if (--before[{setting.key, setting.value}] < 0)
+            changed.push_back(setting);
+    for (const ShownSetting& setting : changed) {
+        if (const QString problem = valueProblem(setting.key, setting.value); !problem.isEmpty()) {
+            QMessageBox::warning(this, u"Save"_s, problem);
+            return false;
+        }
+    }
+
+    std::optional<QByteArray> edited;
+    if (m_format == "cfg"_L1)
+        edited = editedText(changed);
+    QString problem;
+    bool written = false;
+    if (edited) {
+        written = libconfig::replaceFileContents(m_path, *edited, &problem);
+        if (written)
+            m_configuration->readData(*edited, m_format, m_path);
+    } else {
+        written = m_configuration->loadListView(m_view);
+        problem = u"%1 could not be written."_s.arg(m_path);
+    }
+    if (!written) {
+        QMessageBox::warning(this, u"Save"_s, problem);
         return false;
     }
+    m_savedSettings = shown;
     setWindowModified(false);
     statusBar()->showMessage(u"Saved %1"_s.arg(m_path), 5000);
     return true;
+}
+
+std::optional<QByteArray> EditorWindow::editedText(const std::vector<ShownSetting>& changed) const
+{
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QByteArray text = file.readAll();
+    QString problem;
+    for (const ShownSetting& setting : changed) {
+        std::optional<QByteArray> next = libconfig::setCfgSetting(text, setting.key, setting.value, &problem);
+        if (!next)
+            return std::nullopt;
+        text = std::move(*next);
+    }
+    libconfig::Config edited;
+    edited.readData(text, m_format);
+    libconfig::Config shown;
+    shown.takeListView(m_view);
+    if (edited.cfgText() != shown.cfgText())
+        return std::nullopt;
+    return text;
 }
 
 void EditorWindow::closeEvent(QCloseEvent* event)

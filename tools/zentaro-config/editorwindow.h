@@ -6,10 +6,19 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 class QAction;
 class QTreeWidget;
 class QTreeWidgetItem;
+
+// A setting as the view shows it, with its dotted key.
+struct ShownSetting
+{
+    QString key;
+    QString value;
+};
 
 // The editor: the configuration's tree view with actions to add and remove
 // groups and settings, to save the file in its own format and to quit.
@@ -38,6 +47,9 @@ private:
     QTreeWidgetItem* targetElement() const;
     bool canAddGroupTo(const QTreeWidgetItem* element) const;
     bool canAddSettingTo(const QTreeWidgetItem* element) const;
+    // The file's text with the changed settings set in it, or nothing when
+    // that text would not read as the view shows.
+    std::optional<QByteArray> editedText(const std::vector<ShownSetting>& changed) const;
     // A name that a file of this format can hold, or empty when cancelled.
     QString askName(const QString& title, const QString& label);
 
@@ -48,4 +60,6 @@ private:
     QAction* m_addGroup = nullptr;
     QAction* m_addSetting = nullptr;
     QAction* m_remove = nullptr;
+    // The settings shown when the file was last read or saved.
+    std::vector<ShownSetting> m_savedSettings;
 };

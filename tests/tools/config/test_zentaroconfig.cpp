@@ -4,11 +4,14 @@
 #include "testsupport.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -20,6 +23,7 @@ namespace {
 
 const QString writerData = QStringLiteral(CONFIG_TEST_DATA "/writer");
 const QString exampleConfiguration = QStringLiteral(EXAMPLE_CONFIGURATION);
+const QString setData = QStringLiteral(SET_TEST_DATA);
 
 using Outcome = testsupport::ProgramRun;
 
@@ -123,6 +127,27 @@ TEST_F(ToolTest, WriteCfgAndWriteXmlConvert)
     }
 }
 
+class Set : public ToolTest, public testing::WithParamInterface<std::string>
+{};
+
+// Each folder of data/set holds a command line's KEY and VALUE and the file
+// it makes of data/set/input.conf, whose layout it must keep.
+TEST_P(Set, ChangesOnlyTheValuesBytes)
+{
+    const QString folder = setData + u'/' + QString::fromStdString(GetParam());
+    const QString command = QString::fromLatin1(readBytes(folder + "/command"_L1).trimmed());
+    const qsizetype blank = command.indexOf(u' ');
+    writeInHome(u"input.conf"_s, readBytes(setData + "/input.conf"_L1));
+
+    const Outcome r = run({u"-f"_s, u"input.conf"_s, u"set"_s, command.first(blank), command.sliced(blank + 1)});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out + r.err, "");
+    testsupport::expectGoldenFile(folder + "/expected.conf"_L1, readBytes(home.filePath(u"input.conf"_s)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Set, testing::ValuesIn(testsupport::subfolderNames(setData)),
+                         [](const testing::TestParamInfo<std::string>& info) { return info.param; });
+
 class Usage : public ToolTest, public testing::WithParamInterface<QStringList>
 {};
 
@@ -140,6 +165,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, Usage,
                          testing::Values(QStringList{}, QStringList{u"frob"_s}, QStringList{u"get"_s},
                                          QStringList{u"get"_s, u"a"_s, u"b"_s}, QStringList{u"dump"_s, u"x"_s},
                                          QStringList{u"write-cfg"_s}, QStringList{u"write-xml"_s, QString()},
+                                         QStringList{u"set"_s, u"zentaro.logger.level"_s},
                                          QStringList{u"--format"_s, u"ini"_s, u"dump"_s},
                                          QStringList{u"--bogus"_s, u"dump"_s}, QStringList{u"--file"_s},
                                          QStringList{u"--file"_s, QString(), u"dump"_s},
@@ -160,12 +186,16 @@ void PrintTo(const FailureCase& row, std::ostream* os)
 class Failure : public ToolTest, public testing::WithParamInterface<FailureCase>
 {};
 
-// broken.xml, a folder and the user's own file are there to fail on.
+// broken.xml, settings.xml, a folder, a file nested too deep, another name (a hard link)
+// of the user's own file and the file itself are there to fail on.
 TEST_P(Failure, OneLineAndStatus1)
 {
     writeInHome(u"broken.xml"_s, "<zentaro><logger level='x'></zentaro>");
+    writeInHome(u"settings.xml"_s, "<zentaro><a b='c'/></zentaro>");
+    writeInHome(u"deep.conf"_s, QByteArray("g:{").repeated(10000) + "k=v;" + QByteArray("};").repeated(10000));
     writeInHome(u"large.xml"_s, "<zentaro>\n<logger level='" + QByteArray(10 << 20, 'x') + "'/>\n</zentaro>");
     ASSERT_TRUE(QDir(home.path()).mkpath(u"folder"_s));
+    ASSERT_EQ(::link(QFile::encodeName(userFile).constData(), QFile::encodeName(home.filePath(u"link.conf"_s)).constData()), 0);
     const Outcome r = run(GetParam().arguments);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, GetParam().out);
@@ -190,7 +220,36 @@ INSTANTIATE_TEST_SUITE_P(
                     "Error in the method Config::buildConfigFile( no/such/folder.conf ): Unable To Open File\n", ""},
         FailureCase{"OutputIsTheInput", {u"write-xml"_s, u"./.zentaro/conf/zentaro.conf"_s}, "",
                     "zentaro-config: ./.zentaro/conf/zentaro.conf is the file being read"},
-        FailureCase{"EditWithoutDisplay", {u"edit"_s}, "", "zentaro-config: edit needs a display"}),
+        FailureCase{"OutputIsAHardLinkOfTheInput", {u"write-xml"_s, u"link.conf"_s}, "",
+                    "zentaro-config: link.conf is the file being read"},
+        FailureCase{"NestedTooDeep", {u"-f"_s, u"deep.conf"_s, u"write-cfg"_s, u"out.conf"_s}, "",
+                    "zentaro-config: cannot read deep.conf: groups nested deeper than 100 levels"},
+        FailureCase{"EditWithoutDisplay", {u"edit"_s}, "", "zentaro-config: edit needs a display"},
+        // set refuses a value its key cannot hold, and what no cfg file or
+        // no key of this one can hold.
+        FailureCase{"SetWordForNumber", {u"set"_s, u"zentaro.doc.paperWidth"_s, u"forty-eight"_s}, "",
+                    "zentaro-config: paperWidth takes a whole number, not \"forty-eight\""},
+        FailureCase{"SetFractionForNumber", {u"set"_s, u"zentaro.doc.topMargin"_s, u"1.5"_s}, "",
+                    "zentaro-config: topMargin takes a whole number"},
+        FailureCase{"SetNegativeNumber", {u"--"_s, u"set"_s, u"zentaro.fiscaldoc.copyNumber"_s, u"-1"_s}, "",
+                    "zentaro-config: copyNumber takes a whole number"},
+        FailureCase{"SetYesForSwitch", {u"set"_s, u"zentaro.doc.printLogo"_s, u"yes"_s}, "",
+                    "zentaro-config: printLogo takes true or false, not \"yes\""},
+        FailureCase{"SetCapitalTrue", {u"set"_s, u"zentaro.doc.openCashDrawer"_s, u"True"_s}, "",
+                    "zentaro-config: openCashDrawer takes true or false"},
+        FailureCase{"SetUnknownCodePage", {u"set"_s, u"zentaro.doc.codePage"_s, u"CP999"_s}, "",
+                    "zentaro-config: codePage takes a code page the print run knows"},
+        FailureCase{"SetSemicolon", {u"set"_s, u"zentaro.logger.level"_s, u"INFO;"_s}, "",
+                    "zentaro-config: a value in a cfg file cannot hold"},
+        FailureCase{"SetBeyondLatin1", {u"set"_s, u"zentaro.company.name"_s, u"\u20AC"_s}, "",
+                    "zentaro-config: a value in a cfg file holds ISO 8859-1 characters only"},
+        FailureCase{"SetKeyWithoutGroup", {u"set"_s, u"zentaro"_s, u"x"_s}, "", "zentaro-config: \"zentaro\" is not a key"},
+        FailureCase{"SetColonInName", {u"set"_s, u"zentaro.a:b.c"_s, u"x"_s}, "",
+                    "zentaro-config: \"zentaro.a:b.c\" is not a key"},
+        FailureCase{"SetOtherTopLevelGroup", {u"set"_s, u"backup.logger.level"_s, u"x"_s}, "",
+                    "zentaro-config: the file's top-level group is \"zentaro\", not \"backup\""},
+        FailureCase{"SetInXml", {u"-f"_s, u"settings.xml"_s, u"set"_s, u"zentaro.a.b"_s, u"d"_s}, "",
+                    "zentaro-config: set changes cfg files only"}),
     [](const testing::TestParamInfo<FailureCase>& info) { return std::string(info.param.name); });
 
 TEST_F(ToolTest, EditShowsTheWindowAndLeavesTheFile)
