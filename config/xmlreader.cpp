@@ -145,40 +145,6 @@ bool isControl(char16_t c)
     return c < 0x20 || c == 0x7f;
 }
 
-// Copies the leading ASCII of `utf8` into `out`, eight or four bytes at a
-// time where it can, and answers how many bytes that was. Control
-// characters become blanks when asked.
-template<typename Block>
-qsizetype widenBlocks(const char* utf8, qsizetype length, char16_t* out, bool blank, qsizetype i)
-{
-    constexpr Block ones = Block(0x0101010101010101ull);
-    constexpr Block highBits = Block(0x8080808080808080ull);
-    for (; length - i >= qsizetype(sizeof(Block)); i += sizeof(Block)) {
-        Block bytes;
-        std::memcpy(&bytes, utf8 + i, sizeof(Block));
-        if (bytes & highBits)
-            break;
-        for (std::size_t k = 0; k < sizeof(Block); ++k)
-            out[i + k] = static_cast<unsigned char>(utf8[i + k]);
-        // A byte below 0x20 or equal to 0x7f: the usual zero-byte test on
-        // the bytes less 0x20 and on the bytes xor 0x7f (a borrow only ever
-        // adds a false alarm, which the scan then clears).
-        if (blank && (((bytes - 0x20 * ones) | ((bytes ^ 0x7f * ones) - ones)) & highBits))
-            std::replace_if(out + i, out + i + sizeof(Block), isControl, u' ');
-    }
-    return i;
-}
-
-qsizetype widenAscii(const char* utf8, qsizetype length, char16_t* out, bool blank)
-{
-    qsizetype i = AsciiBlocks::widen(utf8, length, out, blank);
-    i = widenBlocks<quint64>(utf8, length, out, blank, i);
-    i = widenBlocks<quint32>(utf8, length, out, blank, i);
-    for (; i < length && static_cast<unsigned char>(utf8[i]) < 0x80; ++i)
-        out[i] = blank && isControl(char16_t(utf8[i])) ? u' ' : char16_t(utf8[i]);
-    return i;
-}
-
 // Whether the first bytes of a document say which encoding it is in: a
 // byte-order mark, the zero bytes of UTF-16, or an encoding declaration.
 bool encodingIsStated(QByteArrayView head)
@@ -266,7 +232,7 @@ struct XmlReader::Private
     // request text is ASCII, which is widened eight bytes at a time.
     char16_t* decode(const char* utf8, qsizetype length, char16_t* out, bool blank)
     {
-        const qsizetype ascii = widenAscii(utf8, length, out, blank);
+        const qsizetype ascii = AsciiBlocks::widen(utf8, length, out, blank);
         char16_t* end = out + ascii;
         if (ascii < length) {
             // Expat hands over valid UTF-8 only, so the decoder's state stays clean.
