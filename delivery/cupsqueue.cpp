@@ -88,13 +88,15 @@ public:
         return "job "_L1 + QString::fromUtf8(m_queue) + u'-' + QString::number(m_job);
     }
 
-    // Asks the job's state until it is final. A job waiting on a queue the
-    // scheduler has stopped goes nowhere until someone starts the queue
-    // again: that is reported as the end of the wait too.
-    bool waitForJob(QString* state) override
+    // Asks the job's state until it is final, for at most `timeout`: a
+    // job whose printer cannot be reached would otherwise be waited on for
+    // as long as the scheduler tries (a week by default). A queue the
+    // scheduler has stopped ends the wait at once.
+    bool waitForJob(Milliseconds timeout, QString* state) override
     {
+        const Clock::time_point deadline = Clock::now() + timeout;
         for (;;) {
-            const ipp_jstate_t job = jobState();
+            const int job = askJobState();
             switch (job) {
             case IPP_JSTATE_COMPLETED:
                 *state = u"completed"_s;
@@ -108,15 +110,20 @@ public:
             case IPP_JSTATE_STOPPED:
                 *state = u"stopped"_s;
                 return false;
+            case 0:
+                *state = "unknown ("_L1 + cupsError() + u')';
+                return false;
             default:
                 break;
             }
-            if (int(job) == 0) {
-                *state = "unknown ("_L1 + cupsError() + u')';
+            const Queue queue = askQueue();
+            if (queue.stopped) {
+                *state = "stopped with its queue ("_L1 + queue.message + u')';
                 return false;
             }
-            if (queueStopped()) {
-                *state = u"stopped (the queue is stopped)"_s;
+            if (Clock::now() >= deadline) {
+                *state = (job == IPP_JSTATE_PROCESSING ? "still printing after "_L1 : "still waiting after "_L1)
+                         + QString::number(timeout.count() / 1000) + " s ("_L1 + queue.message + u')';
                 return false;
             }
             std::this_thread::sleep_for(Milliseconds(100));
@@ -124,31 +131,49 @@ public:
     }
 
 private:
-    // Asks for one attribute with an IPP request; its value, or 0.
-    int askEnum(ipp_op_t operation, bool ofJob, const char* attribute)
+    struct Queue
+    {
+        bool stopped = false;
+        QString message;
+    };
+
+    // An IPP request about the queue, or one of its jobs, asking for
+    // `attributes`; the response, which the caller deletes.
+    ipp_t* ask(ipp_op_t operation, int job, std::initializer_list<const char*> attributes)
     {
         ipp_t* request = ippNewRequest(operation);
         char uri[HTTP_MAX_URI];
         httpAssembleURIf(HTTP_URI_CODING_ALL, uri, sizeof uri, "ipp", nullptr, "localhost", 0, "/printers/%s",
                          m_queue.constData());
         ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr, uri);
-        if (ofJob)
-            ippAddInteger(request, IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id", m_job);
+        if (job != 0)
+            ippAddInteger(request, IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id", job);
         ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME, "requesting-user-name", nullptr, cupsUser());
-        ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes", nullptr, attribute);
-        ipp_t* response = cupsDoRequest(m_http, request, ofJob ? "/jobs/" : "/");
-        int value = 0;
-        if (ipp_attribute_t* found = ippFindAttribute(response, attribute, IPP_TAG_ENUM))
-            value = ippGetInteger(found, 0);
-        ippDelete(response);
-        return value;
+        ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes", int(attributes.size()),
+                      nullptr, attributes.begin());
+        return cupsDoRequest(m_http, request, job != 0 ? "/jobs/" : "/");
     }
 
-    ipp_jstate_t jobState() { return ipp_jstate_t(askEnum(IPP_OP_GET_JOB_ATTRIBUTES, true, "job-state")); }
-
-    bool queueStopped()
+    int askJobState()
     {
-        return askEnum(IPP_OP_GET_PRINTER_ATTRIBUTES, false, "printer-state") == IPP_PSTATE_STOPPED;
+        ipp_t* response = ask(IPP_OP_GET_JOB_ATTRIBUTES, m_job, {"job-state"});
+        ipp_attribute_t* found = ippFindAttribute(response, "job-state", IPP_TAG_ENUM);
+        const int state = found ? ippGetInteger(found, 0) : 0;
+        ippDelete(response);
+        return state;
+    }
+
+    Queue askQueue()
+    {
+        ipp_t* response = ask(IPP_OP_GET_PRINTER_ATTRIBUTES, 0,
+                              {"printer-state", "printer-state-message"});
+        Queue queue;
+        if (ipp_attribute_t* state = ippFindAttribute(response, "printer-state", IPP_TAG_ENUM))
+            queue.stopped = ippGetInteger(state, 0) == IPP_PSTATE_STOPPED;
+        if (ipp_attribute_t* message = ippFindAttribute(response, "printer-state-message", IPP_TAG_TEXT))
+            queue.message = QString::fromUtf8(ippGetString(message, 0, nullptr));
+        ippDelete(response);
+        return queue;
     }
 
     QByteArray m_queue;

@@ -53,7 +53,7 @@ std::optional<PrinterStatus> Destination::status(Milliseconds)
     return std::nullopt;
 }
 
-bool Destination::waitForJob(QString* state)
+bool Destination::waitForJob(Milliseconds, QString* state)
 {
     *state = u"sent"_s;
     return true;

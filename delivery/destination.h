@@ -76,9 +76,9 @@ public:
     // Once closed: a line to print about the job (a spooler's job id), or
     // nothing.
     virtual QString jobReport() const { return {}; }
-    // Waits until the spooler has finished the job; its final state in
-    // `state`. True only for a completed job.
-    virtual bool waitForJob(QString* state);
+    // Waits, at most `timeout`, until the spooler has finished the job; how
+    // the job stands in `state`. True only for a completed job.
+    virtual bool waitForJob(Milliseconds timeout, QString* state);
 
 protected:
     explicit Destination(const QString& name)

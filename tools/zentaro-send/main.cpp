@@ -270,7 +270,8 @@ std::unique_ptr<delivery::Destination> openWithRetries(const Request& request, i
                                                          : QFileInfo(request.printFile).fileName();
         if (destination->open(request.timeout, title))
             return destination;
-        if (attempt == request.retries) {
+        // A spooler keeps and retries its jobs itself: its refusal is final.
+        if (attempt == request.retries || destination->isQueue()) {
             const QString tries = attempt == 0 ? QString() : " ("_L1 + QString::number(attempt + 1) + " tries)"_L1;
             printError("cannot open "_L1 + request.destination + ": "_L1 + destination->errorString() + tries);
             *status = destination->isQueue() ? exitFailure : exitPrinterNotReady;
@@ -340,7 +341,7 @@ int send(const Request& request, const std::vector<QByteArrayView>& lines, unsig
     if (request.wait) {
         std::fflush(stdout);
         QString state;
-        const bool completed = destination->waitForJob(&state);
+        const bool completed = destination->waitForJob(request.timeout, &state);
         if (!completed) {
             printError(job + ' ' + state);
             return exitFailure;
