@@ -19,7 +19,7 @@ struct Program
 };
 
 const Program programs[] = {
-    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DEVICE\n"},
+    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DESTINATION\n"},
     {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [argument]\n"},
     {"zentaro-preview", ZENTARO_PREVIEW, "Usage: zentaro-preview [options] INPUT OUTPUT\n"},
 };
