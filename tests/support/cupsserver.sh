@@ -65,6 +65,8 @@ start() {
     { echo "cupsserver.sh: no socket backend (Debian's cups)" >&2; exit 1; }
   mkdir -p "$dir"/{etc/ppd,spool/tmp,cache,state,log}
   dir=$(cd "$dir" && pwd)
+  # A domain socket's path holds at most 107 bytes.
+  ((${#dir} <= 96)) || fail "the folder's path is too long for a domain socket: $dir"
   local port
   port=$(free_port)
   cat >"$dir/cups-files.conf" <<CONF
