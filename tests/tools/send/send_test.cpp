@@ -209,6 +209,24 @@ TEST_F(SendTest, NumberOfCopies)
     }
 }
 
+TEST_F(SendTest, OnePage)
+{
+    const QByteArray lines = numberedLines(7);
+    const struct
+    {
+        const char* page;
+        QByteArray expected;
+    } cases[] = {
+        {"1", lines.mid(33, 33)}, // lines 4 to 6
+        {"2", lines.mid(66)}, // the last page, shorter
+    };
+    for (const auto& [page, expected] : cases) {
+        const Result result = send({u"--page"_s, QString::fromLatin1(page), u"--lines-per-page"_s, u"3"_s, u"receipt.txt"_s, u"-"_s});
+        EXPECT_EQ(result.status, 0) << result.err.toStdString();
+        EXPECT_EQ(result.out, expected) << page;
+    }
+}
+
 // Standard input to standard output, and a reader that has gone away: an
 // error line and a status, not a silent end by a signal.
 TEST_F(SendTest, StandardStreams)
