@@ -237,9 +237,8 @@ bool sameFile(const QString& a, const QString& b)
 
 std::optional<QByteArray> readPrintFile(const QString& path)
 {
-    QFile file;
-    const bool opened = path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly) : (file.setFileName(path),
-                                                                                   file.open(QIODevice::ReadOnly));
+    QFile file(path);
+    const bool opened = path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     QByteArray text;
     if (opened)
         text = file.readAll();
@@ -362,7 +361,8 @@ int run(Request request, const ZTConfiguration* configuration)
     if (request.statusOnly)
         return send(request, {}, 0);
 
-    if (request.destination != "-"_L1 && request.printFile != "-"_L1 && sameFile(request.printFile, request.destination))
+    if (request.destination != "-"_L1 && request.printFile != "-"_L1
+        && sameFile(request.printFile, request.destination))
         return usageError(request.destination + " is the print file itself"_L1);
     const std::optional<QByteArray> text = readPrintFile(request.printFile);
     if (!text)
