@@ -37,3 +37,5 @@ done
     --large "$work/receipt-$large.xml" --large-items $large \
     --preview-short "$work/receipt-$short.xml" --preview-short-items $short \
     --startup-reps "${STARTUP_REPS:-50}" --large-reps "${LARGE_REPS:-5}"
+
+"$build/bench/bench_send" "$build/tools/zentaro-send/zentaro-send" "$work" "${SEND_REPS:-30}"

@@ -15,6 +15,8 @@ packages=(
   libexpat1-dev
   libpng-dev
   libqt6sql6-psql
+  # zentaro-send's CUPS queues
+  libcups2-dev
   # text drawn on the offscreen platform: the editor window (view tests, the
   # README's picture) and the preview's PNG pictures
   fonts-dejavu-core
@@ -23,6 +25,9 @@ if [[ $profile == test ]]; then
   packages+=(
     libgtest-dev
     postgresql
+    # a private CUPS scheduler and its socket backend, for zentaro-send's
+    # queue tests
+    cups-daemon cups
     clang
     # locales the tests compile (an ISO-8859-15 one), manual pages, packages
     locales man-db dpkg-dev lintian

@@ -252,6 +252,11 @@ bool HLibrary::copy(const QString& src, const QString& dst, const QString& lines
     return copy(src, dst, linesPerSheet.toUInt(), pauseMs.toUInt());
 }
 
+void HLibrary::askForNewSheet()
+{
+    ::askForNewSheet();
+}
+
 void HLibrary::touch(const QString& path)
 {
     QFile file(path);

@@ -19,8 +19,10 @@ struct Program
 };
 
 const Program programs[] = {
-    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DEVICE\n"},
-    {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [arguments]\n"},
+    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DESTINATION
+"},
+    {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [arguments]
+"},
     {"zentaro-preview", ZENTARO_PREVIEW, "Usage: zentaro-preview [options] INPUT OUTPUT\n"},
 };
 

@@ -1,15 +1,21 @@
-// zentaro-send [options] PRINTFILE DEVICE
+// zentaro-send [options] PRINTFILE DESTINATION
+// zentaro-send [options] --printer NAME PRINTFILE
+// zentaro-send [options] --status DESTINATION
 //
-// Copies a print file line by line to a line printer, a serial port, a FIFO
-// or a file, pausing between lines and asking for a new sheet when one is
-// full, or sends one page of it. Errors are one line on standard error;
-// the exit status is 0 on success, 1 when the print file could not be sent,
-// 2 for a wrong command line, 3 when the device did not take it (a printer
-// that is off, missing or out of paper).
+// Sends a print file to a printer: a device path, a network printer
+// (socket://HOST[:PORT]), a CUPS queue (cups:QUEUE) or standard output (-),
+// pausing between lines and asking for a new sheet when one is full, or
+// sends one page of it. Asks an ESC/POS printer for its status. Errors are
+// one line on standard error; the exit status is 0 when everything was
+// delivered, 1 when it was not (or not wholly), 2 for a wrong command line,
+// 3 when the printer is not ready (not there, refusing, out of paper).
 
+#include "destination.h"
 #include "diagnostics.h"
+#include "documenttypes.h"
 #include "hlibrary.h"
 #include "catalogue.h"
+#include "sender.h"
 #include "syncsingleton.h"
 #include "toolcommon.h"
 #include "ztconfiguration.h"
@@ -17,30 +23,42 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QTranslator>
 
+#include <csignal>
+#include <cstdio>
 #include <memory>
 #include <optional>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using delivery::Milliseconds;
 
 namespace {
 
 struct Request
 {
     QString printFile;
-    QString device;
-    unsigned pauseMs = 0;
-    unsigned linesPerSheet = 0;
-    // The second form: one page.
-    std::optional<unsigned> page;
-    unsigned linesPerPage = 0;
+    QString destination; // as given, or the named printer's
+    QString printer;
+    QString configPath;
+    Paging paging;
     // A count given on the command line, or a document type whose count
     // the configuration holds.
     unsigned copies = 1;
     QString copiesOf;
     bool textPrompt = false;
+    bool statusOnly = false;
+    bool check = false;
+    bool wait = false;
+    Milliseconds timeout{10000};
+    unsigned retries = 2;
 };
 
 struct Options
@@ -61,20 +79,50 @@ struct Options
                                 u"TYPE"_s};
     QCommandLineOption textPrompt{u"text-prompt"_s,
                                   u"Ask for a new sheet on the terminal even when a display is available."_s};
+    QCommandLineOption printer{u"printer"_s,
+                               u"Send to the printer NAME of the configuration (zentaro.printers.NAME.uri)."_s,
+                               u"NAME"_s};
+    QCommandLineOption config{u"config"_s,
+                              u"Read the settings from PATH instead of ~/.zentaro/conf/zentaro.conf."_s, u"PATH"_s};
+    QCommandLineOption status{u"status"_s,
+                              u"Print the printer's status, one fact a line, instead of sending: exit 0 when it "
+                              "can print, 3 when it cannot, 1 when it does not answer."_s};
+    QCommandLineOption check{u"check"_s,
+                             u"Ask the printer's status first and send nothing to one that cannot print."_s};
+    QCommandLineOption wait{u"wait"_s, u"For a CUPS queue: wait until the job has ended and report how."_s};
+    QCommandLineOption timeout{u"timeout"_s,
+                               u"Give up on a printer that does not connect, answer or take data within SECONDS "
+                               "(default 10)."_s,
+                               u"SECONDS"_s};
+    QCommandLineOption retries{u"retries"_s,
+                               u"Try N more times, with a growing pause, when the printer cannot be reached and "
+                               "nothing was sent (default 2)."_s,
+                               u"N"_s};
 };
 
 // Reads the command line into a request; false, with `error` set, when it
 // is wrong.
 bool readRequest(const QCommandLineParser& parser, const Options& options, Request* request, QString* error)
 {
+    request->statusOnly = parser.isSet(options.status);
+    request->printer = parser.value(options.printer);
     const QStringList files = parser.positionalArguments();
-    if (files.size() != 2) {
-        *error = files.size() < 2 ? u"needs a PRINTFILE and a DEVICE"_s
-                                  : "unexpected argument '"_L1 + files.at(2) + u'\'';
+    // What the positional arguments are: the print file unless only the
+    // status is asked, and the destination unless a named printer is.
+    const qsizetype wanted = (request->statusOnly ? 0 : 1) + (request->printer.isEmpty() ? 1 : 0);
+    if (files.size() != wanted) {
+        if (files.size() > wanted)
+            *error = "unexpected argument '"_L1 + files.at(wanted) + u'\'';
+        else if (request->statusOnly)
+            *error = u"--status needs a DESTINATION or --printer"_s;
+        else
+            *error = request->printer.isEmpty() ? u"needs a PRINTFILE and a DESTINATION"_s : u"needs a PRINTFILE"_s;
         return false;
     }
-    request->printFile = files.at(0);
-    request->device = files.at(1);
+    if (!request->statusOnly)
+        request->printFile = files.at(0);
+    if (request->printer.isEmpty())
+        request->destination = files.constLast();
 
     if (parser.isSet(options.page) && parser.isSet(options.linesPerSheet)) {
         *error = u"--page sends one page and cannot take --lines-per-sheet"_s;
@@ -92,69 +140,48 @@ bool readRequest(const QCommandLineParser& parser, const Options& options, Reque
         *error = u"--copies and --copies-of cannot be combined"_s;
         return false;
     }
+    request->copiesOf = parser.value(options.copiesOf);
+    if (!request->copiesOf.isEmpty() && !DocumentTypes::find(request->copiesOf)) {
+        *error = "--copies-of: no document type '"_L1 + request->copiesOf + u'\'';
+        return false;
+    }
 
     // Each option that is set must be a whole number; no copies at all is
-    // a slip, not a request.
+    // a slip, not a request, and so is a printer given no time at all.
+    unsigned timeoutSeconds = 10;
     const struct
     {
         const QCommandLineOption* option;
         unsigned* target;
         unsigned minimum;
+        unsigned maximum;
     } numbers[] = {
-        {&options.linesPerSheet, &request->linesPerSheet, 0},
-        {&options.pause, &request->pauseMs, 0},
-        {&options.linesPerPage, &request->linesPerPage, 0},
-        {&options.copies, &request->copies, 1},
+        {&options.linesPerSheet, &request->paging.linesPerSheet, 0, 0xffffffffu},
+        {&options.pause, &request->paging.pauseMs, 0, 0xffffffffu},
+        {&options.linesPerPage, &request->paging.linesPerPage, 0, 0xffffffffu},
+        {&options.copies, &request->copies, 1, 0xffffffffu},
+        {&options.timeout, &timeoutSeconds, 1, 86400},
+        {&options.retries, &request->retries, 0, 100},
     };
-    for (const auto& [option, target, minimum] : numbers) {
+    for (const auto& [option, target, minimum, maximum] : numbers) {
         if (!parser.isSet(*option))
             continue;
-        const std::optional<unsigned> value = wholeNumber(parser, *option, error, minimum);
+        const std::optional<unsigned> value = wholeNumber(parser, *option, error, minimum, maximum);
         if (!value)
             return false;
         *target = *value;
     }
+    request->timeout = Milliseconds(std::uint64_t(timeoutSeconds) * 1000);
     if (parser.isSet(options.page)) {
-        request->page = wholeNumber(parser, options.page, error);
-        if (!request->page)
+        request->paging.page = wholeNumber(parser, options.page, error);
+        if (!request->paging.page)
             return false;
     }
-    request->copiesOf = parser.value(options.copiesOf);
     request->textPrompt = parser.isSet(options.textPrompt);
+    request->check = parser.isSet(options.check);
+    request->wait = parser.isSet(options.wait);
+    request->configPath = parser.value(options.config);
     return true;
-}
-
-HLibrary::CopyResult sendOnce(const Request& request)
-{
-    if (request.page)
-        return HLibrary::copyWithResult(request.printFile, request.device, request.linesPerPage, request.pauseMs,
-                                        *request.page);
-    return HLibrary::copyWithResult(request.printFile, request.device, request.linesPerSheet, request.pauseMs);
-}
-
-// The error line for a failed copy, and the status to exit with.
-int reportFailure(const Request& request, const HLibrary::CopyResult& result)
-{
-    using Failure = HLibrary::CopyResult::Failure;
-    switch (result.failure) {
-    case Failure::SourceUnreadable:
-        printError("cannot read "_L1 + request.printFile + ": "_L1 + result.errorText);
-        return exitFailure;
-    case Failure::NoSuchPage:
-        printError(request.printFile + " has no page "_L1 + QString::number(*request.page) + " of "_L1
-                   + QString::number(request.linesPerPage) + " lines"_L1);
-        return exitFailure;
-    case Failure::DestinationUnopenable:
-        printError("cannot open "_L1 + request.device + ": "_L1 + result.errorText);
-        return exitPrinterNotReady;
-    case Failure::WriteFailed:
-        printError("cannot write to "_L1 + request.device + " after "_L1 + QString::number(result.linesWritten)
-                   + " lines ("_L1 + QString::number(result.bytesWritten) + " bytes): "_L1 + result.errorText);
-        return exitPrinterNotReady;
-    case Failure::None:
-        break;
-    }
-    return exitSuccess;
 }
 
 // What the suite's code reports while reading settings goes to standard
@@ -166,44 +193,201 @@ void passOn(const DiagnosticCapture& capture)
         printError(QString::fromLocal8Bit(line));
 }
 
-// Reads the user's configuration and loads the paper prompt's language.
-void loadSettings(QTranslator* translator)
+// The settings: the file named on the command line, or the user's, whose
+// absence is worth a line but not a failure.
+const ZTConfiguration* loadSettings(const Request& request, std::unique_ptr<ZTConfiguration>* owned,
+                                    QTranslator* translator)
 {
-    const QString path = ZTConfiguration::userFilePath();
     DiagnosticCapture capture;
-    loadTranslation(*translator, *SyncSingleton<ZTConfiguration>::instance());
+    const ZTConfiguration* configuration = nullptr;
+    if (!request.configPath.isEmpty()) {
+        *owned = std::make_unique<ZTConfiguration>(request.configPath);
+        configuration = owned->get();
+    } else {
+        configuration = SyncSingleton<ZTConfiguration>::instance();
+    }
+    loadTranslation(*translator, *configuration);
+    const QString path = request.configPath.isEmpty() ? ZTConfiguration::userFilePath() : request.configPath;
     if (QFileInfo(path).isFile())
         passOn(capture);
     else
         printError("no configuration at "_L1 + path + "; sending with the defaults"_L1);
+    return configuration;
 }
 
-unsigned copiesToSend(const Request& request)
+unsigned copiesToSend(const Request& request, const ZTConfiguration* configuration)
 {
     if (request.copiesOf.isEmpty())
         return request.copies;
     DiagnosticCapture capture;
     bool ok = false;
-    const unsigned configured = HLibrary::copyNumber(request.copiesOf).trimmed().toUInt(&ok);
+    const unsigned configured = HLibrary::copyNumber(request.copiesOf, configuration).trimmed().toUInt(&ok);
     passOn(capture);
     return ok ? configured : 1;
 }
 
-int send(const Request& request)
+// Whether two names are one file, through links too.
+bool sameFile(const QString& a, const QString& b)
 {
-    const unsigned copies = copiesToSend(request);
-    for (unsigned copy = 0; copy < copies; ++copy) {
-        const HLibrary::CopyResult result = sendOnce(request);
-        if (!result.succeeded())
-            return reportFailure(request, result);
+    struct stat first{}, second{};
+    return ::stat(QFile::encodeName(a).constData(), &first) == 0
+        && ::stat(QFile::encodeName(b).constData(), &second) == 0 && first.st_dev == second.st_dev
+        && first.st_ino == second.st_ino;
+}
+
+std::optional<QByteArray> readPrintFile(const QString& path)
+{
+    QFile file(path);
+    const bool opened = path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    QByteArray text;
+    if (opened)
+        text = file.readAll();
+    if (!opened || file.error() != QFileDevice::NoError) {
+        printError("cannot read "_L1 + path + ": "_L1 + file.errorString());
+        return std::nullopt;
+    }
+    return text;
+}
+
+QString lineCount(const Delivered& delivered)
+{
+    return QString::number(delivered.lines) + " lines ("_L1 + QString::number(delivered.bytes) + " bytes)"_L1;
+}
+
+// Opens the destination, trying again with a growing pause while it cannot
+// be reached: nothing has gone out yet, so no ticket can come out twice.
+std::unique_ptr<delivery::Destination> openWithRetries(const Request& request, int* status)
+{
+    QString error;
+    for (unsigned attempt = 0;; ++attempt) {
+        std::unique_ptr<delivery::Destination> destination = delivery::makeDestination(request.destination, &error);
+        if (!destination) {
+            *status = usageError(error);
+            return nullptr;
+        }
+        const QString title = request.printFile == "-"_L1 ? u"standard input"_s
+                                                         : QFileInfo(request.printFile).fileName();
+        if (destination->open(request.timeout, title))
+            return destination;
+        // A spooler keeps and retries its jobs itself: its refusal is final.
+        if (attempt == request.retries || destination->isQueue()) {
+            const QString tries = attempt == 0 ? QString() : " ("_L1 + QString::number(attempt + 1) + " tries)"_L1;
+            printError("cannot open "_L1 + request.destination + ": "_L1 + destination->errorString() + tries);
+            *status = destination->isQueue() ? exitFailure : exitPrinterNotReady;
+            return nullptr;
+        }
+        std::this_thread::sleep_for(Milliseconds(250 << std::min(attempt, 5u)));
+    }
+}
+
+int printStatus(delivery::Destination& destination, const Request& request)
+{
+    const std::optional<delivery::PrinterStatus> status = destination.status(request.timeout);
+    if (!status) {
+        printError("no status from "_L1 + request.destination + ": "_L1 + destination.errorString());
+        return exitFailure;
+    }
+    for (const QString& fact : status->facts())
+        std::printf("%s\n", fact.toLocal8Bit().constData());
+    return status->canPrint() ? exitSuccess : exitPrinterNotReady;
+}
+
+// --check: a printer that says it cannot print gets nothing; one that does
+// not say is sent to all the same.
+bool readyToPrint(delivery::Destination& destination, const Request& request)
+{
+    const std::optional<delivery::PrinterStatus> status = destination.status(request.timeout);
+    if (!status) {
+        printError("status of "_L1 + request.destination + " unknown ("_L1 + destination.errorString()
+                   + "); sending"_L1);
+        return true;
+    }
+    if (status->canPrint())
+        return true;
+    QStringList facts = status->facts();
+    if (!status->offline)
+        facts.removeFirst();
+    printError(request.destination + " is not ready: "_L1 + facts.join(", "_L1) + "; nothing sent"_L1);
+    return false;
+}
+
+int send(const Request& request, const std::vector<QByteArrayView>& lines, unsigned copies)
+{
+    int status = exitSuccess;
+    const std::unique_ptr<delivery::Destination> destination = openWithRetries(request, &status);
+    if (!destination)
+        return status;
+    if (request.statusOnly)
+        return printStatus(*destination, request);
+    if (request.check && !readyToPrint(*destination, request))
+        return exitPrinterNotReady;
+
+    const Delivered delivered =
+        sendLines(*destination, lines, request.paging, copies, request.timeout, HLibrary::askForNewSheet);
+    if (!delivered.complete) {
+        printError("cannot write to "_L1 + request.destination + " after "_L1 + lineCount(delivered) + ": "_L1
+                   + destination->errorString());
+        return delivered.bytes == 0 && !destination->isQueue() ? exitPrinterNotReady : exitFailure;
+    }
+    if (!destination->close(request.timeout)) {
+        printError("cannot finish sending to "_L1 + request.destination + " after "_L1 + lineCount(delivered)
+                   + ": "_L1 + destination->errorString());
+        return exitFailure;
+    }
+    const QString job = destination->jobReport();
+    if (!job.isEmpty())
+        std::printf("%s\n", job.toLocal8Bit().constData());
+    if (request.wait) {
+        std::fflush(stdout);
+        QString state;
+        const bool completed = destination->waitForJob(request.timeout, &state);
+        if (!completed) {
+            printError(job + ' ' + state);
+            return exitFailure;
+        }
+        std::printf("%s %s\n", job.toLocal8Bit().constData(), state.toLocal8Bit().constData());
     }
     return exitSuccess;
+}
+
+int run(Request request, const ZTConfiguration* configuration)
+{
+    if (!request.printer.isEmpty()) {
+        request.destination = configuration->getStrValue("zentaro.printers."_L1 + request.printer + ".uri"_L1);
+        if (request.destination.isEmpty())
+            return usageError("no printer "_L1 + request.printer + " in the configuration (zentaro.printers."_L1
+                              + request.printer + ".uri)"_L1);
+    }
+    if (request.statusOnly)
+        return send(request, {}, 0);
+
+    if (request.destination != "-"_L1 && request.printFile != "-"_L1
+        && sameFile(request.printFile, request.destination))
+        return usageError(request.destination + " is the print file itself"_L1);
+    const std::optional<QByteArray> text = readPrintFile(request.printFile);
+    if (!text)
+        return exitFailure;
+    const std::optional<std::vector<QByteArrayView>> lines = pageLines(splitLines(*text), request.paging);
+    if (!lines) {
+        printError(request.printFile + " has no page "_L1 + QString::number(*request.paging.page) + " of "_L1
+                   + QString::number(request.paging.linesPerPage) + " lines"_L1);
+        return exitFailure;
+    }
+    return send(request, *lines, copiesToSend(request, configuration));
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // A reader that goes away is a failed write to report, not a silent end.
+    std::signal(SIGPIPE, SIG_IGN);
+    // A closed standard output is held by /dev/null, so that no file the
+    // program opens takes its place and gets the job report.
+    const bool outputClosed = ::fcntl(STDOUT_FILENO, F_GETFD) < 0;
+    if (outputClosed)
+        ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
+
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
@@ -211,14 +395,16 @@ int main(int argc, char** argv)
     setProgram("zentaro-send", ZENTARO_VERSION);
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        u"Sends PRINTFILE to DEVICE (a line printer such as /dev/usb/lp0, a serial port, a FIFO or a file) "
-        "line by line."_s);
+        u"Sends PRINTFILE (- reads standard input) to DESTINATION line by line: a device or file path such as "
+        "/dev/usb/lp0, a network printer socket://HOST[:PORT] (port 9100 by default), a CUPS queue cups:QUEUE, "
+        "or - for standard output."_s);
     addHelpAndVersion(parser);
     const Options options;
     parser.addOptions({options.linesPerSheet, options.pause, options.page, options.linesPerPage, options.copies,
-                       options.copiesOf, options.textPrompt});
+                       options.copiesOf, options.textPrompt, options.printer, options.config, options.status,
+                       options.check, options.wait, options.timeout, options.retries});
     parser.addPositionalArgument(u"PRINTFILE"_s, u"The print file to send."_s);
-    parser.addPositionalArgument(u"DEVICE"_s, u"Where to send it."_s);
+    parser.addPositionalArgument(u"DESTINATION"_s, u"Where to send it."_s);
 
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
@@ -228,18 +414,34 @@ int main(int argc, char** argv)
     QString error;
     if (!readRequest(parser, options, &request, &error))
         return usageError(error);
+    if (outputClosed && request.destination == "-"_L1) {
+        printError(u"cannot write to standard output: it is closed"_s);
+        return exitFailure;
+    }
+    if (!request.configPath.isEmpty() && !QFileInfo(request.configPath).isFile()) {
+        printError("cannot read the configuration "_L1 + request.configPath);
+        return exitFailure;
+    }
 
     // The paper prompt is a message box where someone sees it and a line on
     // the terminal otherwise; the kind of application decides which.
     std::unique_ptr<QCoreApplication> application;
-    if (displayAvailable() && !request.textPrompt)
+    if (displayAvailable() && !request.textPrompt && request.paging.linesPerSheet != 0)
         application = std::make_unique<QApplication>(argc, argv);
     else
         application = std::make_unique<QCoreApplication>(argc, argv);
 
     QTranslator translator;
-    loadSettings(&translator);
+    std::unique_ptr<ZTConfiguration> configuration;
+    const ZTConfiguration* settings = loadSettings(request, &configuration, &translator);
     QCoreApplication::installTranslator(&translator);
 
-    return send(request);
+    const int status = run(request, settings);
+    // Standard output may have been closed or gone away: that is the job
+    // report's loss, said once.
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        printError(u"cannot write to standard output"_s);
+        return status == exitSuccess ? exitFailure : status;
+    }
+    return status;
 }

@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -30,6 +32,7 @@ protected:
         ASSERT_TRUE(home.isValid());
         ASSERT_TRUE(writeConfiguration(""));
         ASSERT_TRUE(writeBytes(path("receipt.txt"), numberedLines(7).toStdString()));
+        ASSERT_EQ(::mkfifo(QFile::encodeName(path("fifo")).constData(), 0600), 0);
     }
 
     bool writeConfiguration(const QByteArray& settings) const
@@ -71,6 +74,7 @@ TEST_P(SendRun, StatusAndOneErrorLine)
     EXPECT_EQ(result.status, GetParam().status);
     EXPECT_EQ(result.err, GetParam().error ? QByteArray("zentaro-send: ") + GetParam().error + "\n" : "");
     EXPECT_EQ(result.out, "");
+    EXPECT_EQ(readBytes(path("receipt.txt")), numberedLines(7));
     if (GetParam().status == 0) {
         EXPECT_EQ(readBytes(path("lp0")), numberedLines(7));
     } else if (GetParam().status == 2) {
@@ -84,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
     ZentaroSend, SendRun,
     testing::Values(
         RunCase{"copies_the_file", {F, D}, 0, nullptr},
-        RunCase{"nothing", {}, 2, "needs a PRINTFILE and a DEVICE (see --help)"},
+        RunCase{"nothing", {}, 2, "needs a PRINTFILE and a DESTINATION (see --help)"},
         RunCase{"three_files", {F, D, u"E"_s}, 2, "unexpected argument 'E' (see --help)"},
         RunCase{"pause_not_a_number", {u"--pause"_s, u"soon"_s, F, D}, 2,
                 "--pause: 'soon' is not a whole number (see --help)"},
@@ -97,7 +101,20 @@ INSTANTIATE_TEST_SUITE_P(
         RunCase{"unreadable_print_file", {u"missing.txt"_s, D}, 1, "cannot read missing.txt: No such file or directory"},
         RunCase{"no_such_page", {u"--page"_s, u"3"_s, u"--lines-per-page"_s, u"3"_s, F, D}, 1,
                 "receipt.txt has no page 3 of 3 lines"},
-        RunCase{"device_not_there", {F, u"usb/lp0"_s}, 3, "cannot open usb/lp0: No such file or directory"},
+        RunCase{"device_not_there", {u"--retries"_s, u"0"_s, F, u"usb/lp0"_s}, 3,
+                "cannot open usb/lp0: No such file or directory"},
+        RunCase{"fifo_without_reader", {u"--timeout"_s, u"1"_s, u"--retries"_s, u"0"_s, F, u"fifo"_s}, 3,
+                "cannot open fifo: nothing read from it within 1 s"},
+        RunCase{"the_print_file_itself", {F, u"./receipt.txt"_s}, 2, "./receipt.txt is the print file itself (see --help)"},
+        RunCase{"host_and_port", {F, u"10.0.0.5:9100"_s}, 2,
+                "10.0.0.5:9100 is no file; a network printer is socket://10.0.0.5:9100 (see --help)"},
+        RunCase{"unknown_scheme", {F, u"ipp://10.0.0.5"_s}, 2,
+                "unknown kind of destination ipp://10.0.0.5; a network printer is socket://HOST:PORT, a CUPS queue "
+                "cups:QUEUE (see --help)"},
+        RunCase{"unknown_document_type", {u"--copies-of"_s, u"menu"_s, F, D}, 2,
+                "--copies-of: no document type 'menu' (see --help)"},
+        RunCase{"unknown_printer", {u"--printer"_s, u"bar"_s, F}, 2,
+                "no printer bar in the configuration (zentaro.printers.bar.uri) (see --help)"},
         RunCase{"device_full", {F, u"/dev/full"_s}, 3,
                 "cannot write to /dev/full after 0 lines (0 bytes): No space left on device"}));
 
@@ -170,8 +187,8 @@ TEST_F(SendTest, PromptInTheConfiguredLanguage)
     EXPECT_EQ(result.out, "Inserire un nuovo foglio\n");
 }
 
-// The copies go one after another to the program's own standard output,
-// which, unlike a file, keeps every one.
+// The copies go one after another to the device, a regular file here,
+// which keeps every one.
 TEST_F(SendTest, NumberOfCopies)
 {
     ASSERT_TRUE(writeConfiguration("receiptdoc : { copyNumber = 3; };\ninvoicedoc : { copyNumber = 0; };\n"));
@@ -186,10 +203,44 @@ TEST_F(SendTest, NumberOfCopies)
         {{u"--copies-of"_s, u"invoice"_s}, 0}, // this type is not printed
     };
     for (const auto& [count, copies] : cases) {
-        const Result result = send(count + QStringList{u"receipt.txt"_s, u"/dev/stdout"_s});
+        const Result result = send(count + QStringList{u"receipt.txt"_s, u"lp0"_s});
         EXPECT_EQ(result.status, 0) << result.err.toStdString();
-        EXPECT_EQ(result.out, numberedLines(7).repeated(copies)) << count.join(u' ').toStdString();
+        EXPECT_EQ(readBytes(path("lp0")), numberedLines(7).repeated(copies)) << count.join(u' ').toStdString();
     }
+}
+
+TEST_F(SendTest, OnePage)
+{
+    const QByteArray lines = numberedLines(7);
+    const struct
+    {
+        const char* page;
+        QByteArray expected;
+    } cases[] = {
+        {"1", lines.mid(33, 33)}, // lines 4 to 6
+        {"2", lines.mid(66)}, // the last page, shorter
+    };
+    for (const auto& [page, expected] : cases) {
+        const Result result = send({u"--page"_s, QString::fromLatin1(page), u"--lines-per-page"_s, u"3"_s, u"receipt.txt"_s, u"-"_s});
+        EXPECT_EQ(result.status, 0) << result.err.toStdString();
+        EXPECT_EQ(result.out, expected) << page;
+    }
+}
+
+// Standard input to standard output, and a reader that has gone away: an
+// error line and a status, not a silent end by a signal.
+TEST_F(SendTest, StandardStreams)
+{
+    const Result piped = testsupport::runProgram(QStringLiteral(ZENTARO_SEND), {u"-"_s, u"-"_s}, home.path(), "a\nb\n");
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_EQ(piped.out, "a\nb\n");
+
+    const Result closed = testsupport::runProgram(
+        u"bash"_s, {u"-c"_s, u"{ sleep 0.3; \"$0\" receipt.txt -; } | : ; exit ${PIPESTATUS[0]}"_s, QStringLiteral(ZENTARO_SEND)},
+        home.path());
+    EXPECT_EQ(closed.status, 3);
+    EXPECT_TRUE(closed.err.endsWith("zentaro-send: cannot write to - after 0 lines (0 bytes): Broken pipe\n"))
+        << closed.err.toStdString();
 }
 
 } // namespace
