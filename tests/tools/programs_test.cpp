@@ -19,10 +19,8 @@ struct Program
 };
 
 const Program programs[] = {
-    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DESTINATION
-"},
-    {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [arguments]
-"},
+    {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DESTINATION\n"},
+    {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [arguments]\n"},
     {"zentaro-preview", ZENTARO_PREVIEW, "Usage: zentaro-preview [options] INPUT OUTPUT\n"},
 };
 
