@@ -3,11 +3,15 @@
 #include "diagnostics.h"
 #include "ztconfiguration.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 #include <QTranslator>
 
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -166,19 +170,31 @@ bool isSoundCatalogue(QByteArrayView catalogue)
 
 bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QString& directory)
 {
-    if (!translator.load(name, directory))
-        return false;
+    return loadCatalogue(translator, name, directory) == CatalogueLoad::Loaded;
+}
+
+CatalogueLoad loadCatalogue(QTranslator& translator, const QString& name, const QString& directory)
+{
+    if (!translator.load(name, directory)) {
+        // The toolkit refuses a file whose outline is broken as it refuses
+        // a missing one.
+        const QString path = QDir(directory).filePath(name);
+        if (!QFileInfo(path).isFile() && !QFileInfo(path + ".qm"_L1).isFile())
+            return CatalogueLoad::Missing;
+        printDiagnostic({"Damaged label catalogue, labels stay untranslated: ", path.toLocal8Bit()});
+        return CatalogueLoad::Damaged;
+    }
     QFile file(translator.filePath());
     if (file.open(QIODevice::ReadOnly) && isSoundCatalogue(file.readAll()))
-        return true;
+        return CatalogueLoad::Loaded;
     printDiagnostic({"Damaged label catalogue, labels stay untranslated: ",
                      translator.filePath().toLocal8Bit()});
     // Loading a missing name empties the translator.
     (void)translator.load(QString());
-    return false;
+    return CatalogueLoad::Damaged;
 }
 
-void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration)
+CatalogueLoad loadTranslation(QTranslator& translator, const ZTConfiguration& configuration)
 {
     using namespace Qt::StringLiterals;
     const QString base = configuration.getStrValue(u"zentaro.language.basedir"_s);
@@ -186,8 +202,16 @@ void loadTranslation(QTranslator& translator, const ZTConfiguration& configurati
     // "/" as the file asks for the catalogue of the system locale in the base
     // folder; any other value is joined to the base as it stands. Without a
     // catalogue the labels stay English.
-    if (file == "/"_L1)
-        loadSoundCatalogue(translator, base + "/zentaro_"_L1 + QLocale::system().name(), u"."_s);
-    else
-        loadSoundCatalogue(translator, base + file);
+    const bool byLocale = file == "/"_L1;
+    const QString name = byLocale ? base + "/zentaro_"_L1 + QLocale::system().name() : base + file;
+    if (name.isEmpty())
+        return CatalogueLoad::NoneNamed;
+    const CatalogueLoad load = loadCatalogue(translator, name, byLocale ? u"."_s : QString());
+    if (load != CatalogueLoad::Missing)
+        return load;
+    const QLocale::Language language = QLocale::system().language();
+    if (byLocale && (language == QLocale::English || language == QLocale::C))
+        return CatalogueLoad::NoneNamed;
+    printDiagnostic({"Label catalogue not found, labels stay untranslated: ", name.toLocal8Bit()});
+    return CatalogueLoad::Missing;
 }

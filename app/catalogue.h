@@ -14,11 +14,23 @@ class ZTConfiguration;
 // a damaged catalogue must be caught before it is installed.
 bool isSoundCatalogue(QByteArrayView catalogue);
 
+// What became of a label catalogue asked for.
+enum class CatalogueLoad {
+    NoneNamed, // the labels are printed as written, in English
+    Loaded,
+    Missing,   // reported in one line; the labels stay English
+    Damaged,   // reported in one line; the labels stay English
+};
+
 // Loads `name` as QTranslator::load(name, directory) does and keeps it only
 // when it is sound; a damaged catalogue gets one line on standard output
 // and leaves the translator empty. Answers whether a catalogue was kept.
 bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QString& directory = {});
+// The same, saying what became of it; a missing one is not reported here.
+CatalogueLoad loadCatalogue(QTranslator& translator, const QString& name, const QString& directory = {});
 
 // Loads the label catalogue that the configuration's language settings name
 // ("zentaro.language.basedir" and "zentaro.language.file"), if it is sound.
-void loadTranslation(QTranslator& translator, const ZTConfiguration& configuration);
+// The locale's catalogue ("/" as the file) is not missed under an English
+// or C locale, whose labels are the English texts themselves.
+CatalogueLoad loadTranslation(QTranslator& translator, const ZTConfiguration& configuration);

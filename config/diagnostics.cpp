@@ -5,6 +5,7 @@
 namespace {
 
 DiagnosticCapture* activeCapture = nullptr;
+std::FILE* chosenStream = nullptr; // standard output
 
 } // namespace
 
@@ -28,11 +29,22 @@ void printDiagnostic(std::initializer_list<QByteArrayView> pieces)
         activeCapture->collected.append(line);
         return;
     }
+    std::FILE* stream = diagnosticStream();
     // An empty piece may have no data at all, which fwrite must not be given.
     for (QByteArrayView piece : pieces) {
         if (!piece.isEmpty())
-            std::fwrite(piece.data(), 1, std::size_t(piece.size()), stdout);
+            std::fwrite(piece.data(), 1, std::size_t(piece.size()), stream);
     }
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
+    std::fputc('\n', stream);
+    std::fflush(stream);
+}
+
+void setDiagnosticStream(std::FILE* stream)
+{
+    chosenStream = stream;
+}
+
+std::FILE* diagnosticStream()
+{
+    return chosenStream ? chosenStream : stdout;
 }

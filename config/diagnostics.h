@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QList>
 
+#include <cstdio>
 #include <initializer_list>
 
 // The suite reports a fault as one line on standard output (not standard
@@ -11,6 +12,11 @@
 // line end, and flushed at once so that the line keeps its place among
 // anything else written there.
 void printDiagnostic(std::initializer_list<QByteArrayView> pieces);
+// Where the diagnostic lines go from now on: a program whose standard output
+// carries its result (a print file written to "-") sends them to standard
+// error instead.
+void setDiagnosticStream(std::FILE* stream);
+std::FILE* diagnosticStream();
 
 // While one of these lives, diagnostic lines are collected in it instead of
 // being written: a tool that shows them among its own findings (the

@@ -333,6 +333,8 @@ struct XmlReader::Private
     std::exception_ptr exception;
     qint64 faultOffset = -1;
     qint64 faultLine = -1;
+    qint64 faultColumn = -1;
+    QByteArray faultReason;
     bool markupTooLarge = false;
     qint64 doctypeOffset = -1; // while inside the document type declaration
     qint64 doctypeLine = -1;
@@ -363,6 +365,16 @@ qint64 XmlReader::faultOffset() const
 qint64 XmlReader::faultLine() const
 {
     return d->faultLine;
+}
+
+qint64 XmlReader::faultColumn() const
+{
+    return d->faultColumn;
+}
+
+QByteArray XmlReader::faultReason() const
+{
+    return d->faultReason;
 }
 
 bool XmlReader::markupTooLarge() const
@@ -398,6 +410,8 @@ bool XmlReader::parse(QIODevice* input)
     d->exception = nullptr;
     d->faultOffset = -1;
     d->faultLine = -1;
+    d->faultColumn = -1;
+    d->faultReason.clear();
     d->markupTooLarge = false;
     d->doctypeOffset = -1;
     if (!d->handler.startDocument())
@@ -437,6 +451,9 @@ bool XmlReader::parse(QIODevice* input)
         if (status != XML_STATUS_OK) {
             d->faultOffset = XML_GetCurrentByteIndex(d->parser);
             d->faultLine = qint64(XML_GetCurrentLineNumber(d->parser));
+            // Expat counts columns from 0.
+            d->faultColumn = qint64(XML_GetCurrentColumnNumber(d->parser)) + 1;
+            d->faultReason = XML_ErrorString(XML_GetErrorCode(d->parser));
             if (!buffer || XML_GetErrorCode(d->parser) == XML_ERROR_NO_MEMORY) {
                 printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
                                  ": out of memory"});
@@ -455,6 +472,7 @@ bool XmlReader::parse(QIODevice* input)
             d->faultOffset = place;
             d->faultLine = inDoctype ? d->doctypeLine : qint64(XML_GetCurrentLineNumber(d->parser));
             d->markupTooLarge = true;
+            d->faultReason = "markup larger than the limit";
             printDiagnostic({"XML input not read past line ", QByteArray::number(d->faultLine),
                              ": a start tag or other markup there is larger than the limit of ",
                              QByteArray::number(largestMarkup >> 20), " MiB"});

@@ -168,6 +168,10 @@ public:
     // was read in (empty when it stated one).
     qint64 faultOffset() const;
     qint64 faultLine() const;
+    // The fault's column (from 1; -1 when not known) and what it is, in
+    // expat's words ("mismatched tag", ...).
+    qint64 faultColumn() const;
+    QByteArray faultReason() const;
     // Whether that fault was a piece of markup over largestMarkup.
     bool markupTooLarge() const;
     QByteArray undeclaredEncoding() const;

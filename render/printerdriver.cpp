@@ -180,6 +180,7 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
         return true;
     }
     printDiagnostic({"File Format Not Supported"});
+    rejectedMethod = atts.value("name"_L1).toString();
     currentMethod = emptyText();
     currentDocument = nullptr;
     lastElement = nullptr;

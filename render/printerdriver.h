@@ -106,6 +106,9 @@ public:
     // The document chosen by the last accepted "method" element; null
     // before one and after an unknown one.
     const Documents::Document* document() const { return currentDocument; }
+    // The name of a method element that named no document (and stopped the
+    // render); empty when there was none.
+    const QString& unknownMethod() const { return rejectedMethod; }
     // Whether the document in force is printed by the fiscal printer.
     bool isFiscal() const { return currentDocument && currentDocument->fiscal; }
 
@@ -206,6 +209,7 @@ private:
     mutable QString rowBuffer;
 
     const Documents::Document* currentDocument = nullptr;
+    QString rejectedMethod;
     // The last element dispatched: a long document repeats one item
     // element, so it is tried before the table is searched.
     const Documents::Element* lastElement = nullptr;

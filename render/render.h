@@ -27,7 +27,13 @@ struct RenderOutcome
     // Where the request stops being well-formed (a line, a byte offset);
     // -1 when it does not.
     qint64 faultLine = -1;
+    qint64 faultColumn = -1;
     qint64 faultOffset = -1;
+    QByteArray faultReason;
+    // The method a request named that is no document: the render stopped there.
+    QString unknownMethod;
+    // The print file could be opened for writing.
+    bool printFileOpened = false;
     // The encoding a request that declares none was read in.
     QByteArray undeclaredEncoding;
     // Memory ran out: the print file ends with what was rendered before.

@@ -1,18 +1,26 @@
-/* Preloaded into a program under test: allocations larger than
- * FAIL_ALLOCATIONS_OVER bytes fail, as they would when memory runs out. */
+/* Preloaded into a program under test: allocations fail as they would when
+ * memory runs out. FAIL_ALLOCATIONS_OVER=N fails those larger than N bytes;
+ * FAIL_AFTER_ALLOCATIONS=K lets K allocations through and fails every one
+ * after them. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <stddef.h>
 #include <stdlib.h>
 
-static size_t limit(void)
+static size_t setting(const char* name)
 {
-    static size_t value;
-    if (!value) {
-        const char* text = getenv("FAIL_ALLOCATIONS_OVER");
-        value = text ? (size_t)strtoull(text, NULL, 10) : (size_t)-1;
+    const char* text = getenv(name);
+    return text ? (size_t)strtoull(text, NULL, 10) : (size_t)-1;
+}
+
+static int fails(size_t size)
+{
+    static size_t over, after, made;
+    if (!over) {
+        over = setting("FAIL_ALLOCATIONS_OVER");
+        after = setting("FAIL_AFTER_ALLOCATIONS");
     }
-    return value;
+    return size > over || made++ >= after;
 }
 
 void* malloc(size_t size)
@@ -20,7 +28,7 @@ void* malloc(size_t size)
     static void* (*real)(size_t);
     if (!real)
         real = (void* (*)(size_t))dlsym(RTLD_NEXT, "malloc");
-    return size > limit() ? NULL : real(size);
+    return fails(size) ? NULL : real(size);
 }
 
 void* realloc(void* memory, size_t size)
@@ -28,5 +36,5 @@ void* realloc(void* memory, size_t size)
     static void* (*real)(void*, size_t);
     if (!real)
         real = (void* (*)(void*, size_t))dlsym(RTLD_NEXT, "realloc");
-    return size > limit() ? NULL : real(memory, size);
+    return fails(size) ? NULL : real(memory, size);
 }

@@ -19,6 +19,7 @@ struct Program
 };
 
 const Program programs[] = {
+    {"zentaro-print", ZENTARO_PRINT, "Usage: zentaro-print [options] REQUEST PRINTFILE\n"},
     {"zentaro-send", ZENTARO_SEND, "Usage: zentaro-send [options] PRINTFILE DESTINATION\n"},
     {"zentaro-config", ZENTARO_CONFIG, "Usage: zentaro-config [options] command [arguments]\n"},
     {"zentaro-preview", ZENTARO_PREVIEW, "Usage: zentaro-preview [options] INPUT OUTPUT\n"},

@@ -2,6 +2,5 @@
 
 int main(int argc, char** argv)
 {
-    compile(argc, argv);
-    return 0;
+    return compile(argc, argv);
 }

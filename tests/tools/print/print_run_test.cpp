@@ -124,6 +124,89 @@ TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
     }
 }
 
+// Each fault a run can meet: by default the suite's contract (status 0,
+// its own lines on standard output); with --strict also one line on
+// standard error and status 1.
+TEST_F(PrintRun, StrictRunsReportEachFault)
+{
+    ASSERT_TRUE(writeBytes(work.filePath(u"cut.xml"_s), request.left(request.indexOf("  <total")).toStdString()));
+    ASSERT_TRUE(writeBytes(work.filePath(u"unknown.xml"_s), "<r><method name=\"printRecipe\"/></r>"));
+    ASSERT_TRUE(writeBytes(work.filePath(u"catalogue.conf"_s),
+                           "zentaro : { language : { basedir = \"/nowhere/\"; file = \"zentaro_it.qm\"; }; };\n"));
+    struct Case
+    {
+        const char* name;
+        QStringList arguments;
+        const char* error; // the strict run's line on standard error
+        const char* said;  // a line on standard output in both modes, if any
+    };
+    const QString cut = work.filePath(u"cut.xml"_s);
+    const Case cases[] = {
+        {"missing request", {work.filePath(u"none.xml"_s), printPath}, "cannot read the request ", nullptr},
+        {"print file in no folder", {requestPath, u"/nonexistent/print.txt"_s}, "cannot write the print file ",
+         "PrintManager::printAbstractOrder(...): Unable To Open File"},
+        {"full disk", {requestPath, u"/dev/full"_s}, "the print file /dev/full is incomplete: ",
+         "Writing /dev/full failed, the print file is incomplete: "},
+        {"not well-formed", {cut, printPath}, "the request is not well-formed at line 5, column 1: no element found", nullptr},
+        {"unknown method", {work.filePath(u"unknown.xml"_s), printPath}, "unknown method \"printRecipe\"",
+         "File Format Not Supported"},
+        {"missing catalogue", {u"--config"_s, work.filePath(u"catalogue.conf"_s), requestPath, printPath},
+         "the label catalogue is missing", "Label catalogue not found, labels stay untranslated: /nowhere/zentaro_it.qm"},
+    };
+    for (const Case& c : cases) {
+        const testsupport::ProgramRun plain = run(c.arguments);
+        EXPECT_EQ(plain.status, 0) << c.name;
+        EXPECT_EQ(plain.err, "") << c.name;
+        const testsupport::ProgramRun strict = run(QStringList{u"--strict"_s} + c.arguments);
+        EXPECT_EQ(strict.status, 1) << c.name;
+        EXPECT_TRUE(strict.err.startsWith(QByteArray("zentaro-print: ") + c.error)) << c.name << ": " << strict.err.toStdString();
+        EXPECT_EQ(strict.err.count('\n'), 1) << c.name;
+        if (c.said)
+            EXPECT_TRUE(plain.out.contains(c.said) && strict.out.contains(c.said)) << c.name;
+    }
+    EXPECT_EQ(run({u"--strict"_s, requestPath}).status, 2);
+    EXPECT_EQ(run({u"--strict"_s, requestPath, printPath}).status, 0);
+}
+
+// "-" reads the request from standard input and writes the print file to
+// standard output, which then carries nothing else.
+TEST_F(PrintRun, StandardStreams)
+{
+    const testsupport::ProgramRun done =
+        testsupport::runProgram(QStringLiteral(ZENTARO_PRINT), {u"-"_s, u"-"_s}, work.path(), request);
+    EXPECT_EQ(done.status, 0);
+    EXPECT_TRUE(done.out.startsWith("\nj\n")) << done.out.toStdString();
+    EXPECT_TRUE(done.out.contains("Pizza Margherita"));
+    EXPECT_TRUE(done.err.contains("File Not Found"));
+}
+
+#ifndef ZENTARO_SANITIZED
+// Memory that runs out for good at any point of the render, not only for
+// one large piece: the run still ends normally, with what it rendered.
+TEST_F(PrintRun, AllocationsFailingFromAnyPointEndNormally)
+{
+    QByteArray items;
+    for (int i = 0; i < 300; ++i)
+        items += "  <receipe number=\"1\" name=\"Pizza " + QByteArray::number(i) + "\" price=\"1\" totalPrice=\"1\"/>\n";
+    QByteArray large = request;
+    large.insert(large.indexOf("  <total"), items);
+    ASSERT_TRUE(writeBytes(requestPath, large.toStdString()));
+    int rendering = 0;
+    // From before the print file is made to past the end of the run.
+    for (int after = 0; after < 1500; after += 5) {
+        QFile::remove(printPath);
+        const testsupport::ProgramRun done =
+            run({requestPath, printPath},
+                {u"LD_PRELOAD="_s + QStringLiteral(FAILING_MALLOC), u"FAIL_AFTER_ALLOCATIONS="_s + QString::number(after)});
+        if (!QFile::exists(printPath))
+            continue; // the toolkit itself could not start
+        ++rendering;
+        EXPECT_EQ(done.status, 0) << "after " << after << " allocations: " << done.err.toStdString();
+    }
+    EXPECT_GT(rendering, 0);
+}
+#endif
+
 // Without a code page in the configuration the print file is in the
 // locale's character set; the locale is compiled here when the system does
 // not have it.
