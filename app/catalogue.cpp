@@ -9,6 +9,7 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -166,6 +167,16 @@ bool isSoundCatalogue(QByteArrayView catalogue)
             return false;
     }
     return true;
+}
+
+QString LabelTranslator::translate(const char* context, const char* sourceText, const char* disambiguation,
+                                   int n) const
+{
+    QString label = QTranslator::translate(context, sourceText, disambiguation, n);
+    const auto isControl = [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; };
+    if (std::any_of(label.cbegin(), label.cend(), isControl))
+        std::replace_if(label.begin(), label.end(), isControl, u' ');
+    return label;
 }
 
 bool loadSoundCatalogue(QTranslator& translator, const QString& name, const QString& directory)

@@ -2,8 +2,8 @@
 
 #include <QByteArrayView>
 #include <QString>
+#include <QTranslator>
 
-class QTranslator;
 class ZTConfiguration;
 
 // Whether a compiled label catalogue (.qm) holds together: every section
@@ -13,6 +13,17 @@ class ZTConfiguration;
 // it but follows the hash table's offsets unchecked when it translates, so
 // a damaged catalogue must be caught before it is installed.
 bool isSoundCatalogue(QByteArrayView catalogue);
+
+// The translator of printed labels. A catalogue can hold control characters
+// in a label that its outline does not show (a damaged or a hostile one);
+// they would end a printed line or start a printer command, so they reach
+// the paper as blanks, like control characters in request text.
+class LabelTranslator : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* sourceText, const char* disambiguation = nullptr,
+                      int n = -1) const override;
+};
 
 // What became of a label catalogue asked for.
 enum class CatalogueLoad {

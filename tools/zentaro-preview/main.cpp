@@ -151,7 +151,7 @@ int run(const Request& request)
     // whole document.
     std::vector<QByteArray> reported;
     std::unique_ptr<ZTConfiguration> configuration;
-    QTranslator translator;
+    LabelTranslator translator;
     {
         DiagnosticCapture capture;
         configuration = request.configPath.isEmpty() ? std::make_unique<ZTConfiguration>()

@@ -233,7 +233,7 @@ int compile(int argc, char** argv)
     if (!invocation.configPath.isEmpty())
         given = configurationAt(invocation.configPath, report);
     const ZTConfiguration& configuration = given ? *given : *SyncSingleton<ZTConfiguration>::instance();
-    QTranslator translator;
+    LabelTranslator translator;
     const CatalogueLoad catalogue = loadTranslation(translator, configuration);
     if (catalogue == CatalogueLoad::Missing || catalogue == CatalogueLoad::Damaged)
         report.fault(catalogue == CatalogueLoad::Missing ? u"the label catalogue is missing"_s

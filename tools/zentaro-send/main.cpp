@@ -431,7 +431,7 @@ int main(int argc, char** argv)
     else
         application = std::make_unique<QCoreApplication>(argc, argv);
 
-    QTranslator translator;
+    LabelTranslator translator;
     std::unique_ptr<ZTConfiguration> configuration;
     const ZTConfiguration* settings = loadSettings(request, &configuration, &translator);
     QCoreApplication::installTranslator(&translator);
