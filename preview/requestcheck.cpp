@@ -305,8 +305,10 @@ private:
         }
         for (qsizetype i = 0; i < atts.size(); ++i) {
             const QStringView attribute = atts.at(i).qualifiedName();
-            if (element->reads(i, attribute))
+            if (element->reads(i, attribute)) {
+                checkQuotes(tag, here, qName, *element, atts.at(i));
                 continue;
+            }
             QString what = "attribute "_L1 + quoted(attribute) + " of <"_L1 + qName + "> is not read by "_L1 + method;
             QString note = quoted(attribute) + " not read"_L1;
             std::vector<QLatin1StringView> known;
@@ -318,6 +320,24 @@ private:
             }
             addRequestFinding(here, attributePlace(request, tag, attribute.toUtf8()), what, note);
         }
+    }
+
+    // The suite's printer takes a double quote inside printed text for the
+    // end of the line: what follows it becomes a command.
+    void checkQuotes(const Place& tag, qint64 here, const QString& qName, const Documents::Element& element,
+                     const XmlAttribute& attribute)
+    {
+        const Documents::Attribute* listed = element.attribute(attribute.qualifiedName());
+        const bool printed = element.use == Documents::Use::Printed
+                             && (!listed || listed->use == Documents::Use::Printed);
+        if (!printed || driver->documentSettings().safeText || !attribute.value().contains(u'"'))
+            return;
+        const QStringView name = attribute.qualifiedName();
+        addRequestFinding(here, attributePlace(request, tag, name.toUtf8()),
+                          "attribute "_L1 + quoted(name) + " of <"_L1 + qName
+                              + "> holds a double quote, which ends the printer's line early; "
+                                "safeText = \"true\" prints it as an apostrophe"_L1,
+                          quoted(name) + ": \" ends the printer's line early"_L1);
     }
 
     std::vector<QLatin1StringView> elementNames() const

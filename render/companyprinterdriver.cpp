@@ -41,6 +41,15 @@ QString withoutReservedWord(const QString& text)
     return containsTotale(text) ? QString(text).replace("TOTALE"_L1, "SOMMA"_L1) : text;
 }
 
+// A double quote inside printed text would close the printer's line (or a
+// fiscal field) there and make the rest a command.
+QString withoutQuotes(QString text)
+{
+    if (AsciiBlocks::indexOf(QStringView(text).utf16(), text.size(), u'"') >= 0)
+        text.replace(u'"', u'\'');
+    return text;
+}
+
 QString commaDecimal(QStringView text)
 {
     return text.toString().replace(u'.', u',');
@@ -133,7 +142,13 @@ void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     if (indent)
         line.resize(line.size() + qsizetype(indent), u' ');
-    line.append(printableLine(withoutReservedWord(text)));
+    line.append(printedText(text));
+}
+
+QString CompanyPrinterDriver::printedText(const QString& text) const
+{
+    QString printed = printableLine(withoutReservedWord(text));
+    return settings.safeText ? withoutQuotes(std::move(printed)) : printed;
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
@@ -154,7 +169,7 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
                 write(blanks);
             write(blanks.first(indent));
         }
-        write(printableLine(withoutReservedWord(text)));
+        write(printedText(text));
         write(lineClose);
     }
     line = quote;
@@ -168,6 +183,11 @@ void CompanyPrinterDriver::println(const QString& text)
 void CompanyPrinterDriver::writeFiscalItem(const QString& department, const QString& quantity,
                                            const QString& description, const QString& price)
 {
+    if (settings.safeText) {
+        write(printable(u'"' + withoutQuotes(description) + u'"' + withoutQuotes(quantity) + u'*'
+                        + withoutQuotes(commaDecimal(price)) + u'H' + withoutQuotes(department)));
+        return;
+    }
     write(printable(u'"' + description + u'"' + quantity + u'*' + commaDecimal(price) + u'H' + department));
 }
 
@@ -189,11 +209,15 @@ void CompanyPrinterDriver::printRowFiscal(const QString& department, const QStri
 
 void CompanyPrinterDriver::printRowFiscal(const QString& name, const XmlAttributes& atts)
 {
-    const QString cash = commaDecimal(atts.value("cash"_L1));
-    const QString creditCard = commaDecimal(atts.value("creditCard"_L1));
-    const QString cheque = commaDecimal(atts.value("cheque"_L1));
-    const QString ticket = commaDecimal(atts.value("ticket"_L1));
-    const QString discountRate = commaDecimal(atts.value("discountRate"_L1));
+    const auto amount = [this, &atts](QLatin1StringView name) {
+        const QString text = commaDecimal(atts.value(name));
+        return settings.safeText ? withoutQuotes(text) : text;
+    };
+    const QString cash = amount("cash"_L1);
+    const QString creditCard = amount("creditCard"_L1);
+    const QString cheque = amount("cheque"_L1);
+    const QString ticket = amount("ticket"_L1);
+    const QString discountRate = amount("discountRate"_L1);
     if (name != "totals"_L1)
         return;
 

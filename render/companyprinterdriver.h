@@ -32,6 +32,8 @@ public:
 
 private:
     void write(QStringView text);
+    // Text as it goes between the quotes of a printed line.
+    QString printedText(const QString& text) const;
     void writeFiscalItem(const QString& department, const QString& quantity,
                          const QString& description, const QString& price);
 

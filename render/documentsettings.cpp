@@ -123,6 +123,7 @@ DocumentSettings readDocumentSettings(const ZTConfiguration& configuration, cons
     settings.style = read.text("style"_L1);
     for (const SwitchKey& key : switches)
         settings.*key.member = read.flag(key.keyWord);
+    settings.safeText = read.flag("safeText"_L1);
     settings.codePage = read.text("codePage"_L1).trimmed().toLatin1();
     if (&type == &DocumentTypes::fiscal) {
         settings.descriptionWidth = read.width("descriptionWidth"_L1);

@@ -43,6 +43,9 @@ struct DocumentSettings
     bool printNote = false;
     bool openCashDrawer = false;
 
+    // Every double quote inside printed text is printed as an apostrophe,
+    // so that text never ends the printer's line (or a fiscal field) early.
+    bool safeText = false;
     // The printer's character set ("CP858", ...); empty: the locale's.
     QByteArray codePage;
     // How much of an item's name the fiscal printer takes; read for fiscal

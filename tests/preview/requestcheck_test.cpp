@@ -15,7 +15,7 @@ namespace {
 
 const QByteArray baseSettings = R"(
     receiptdoc : { quantityFieldWidth = 3; priceFieldWidth = 8; totalPriceFieldWidth = 9; paperWidth = 40;
-                   printDate = "true"; printCustomer = "true"; };
+                   printDate = "true"; printCustomer = "true"; safeText = "true"; };
     doc : { quantityFieldWidth = 3; paperWidth = 32; printDate = "true"; };
 )";
 
@@ -69,6 +69,11 @@ TEST(RequestCheck, FindsWhatTheDocumentDoesNotRead)
          {u"r.xml: no printed line: element <receipe> comes before the method element: it is not read "
           "(request line 2, column 1)"_s,
           u"r.xml: no printed line: the request has no method element: nothing is printed"_s}},
+        {"a double quote in printed text, harmless only where safeText is on",
+         "<r>\n<method name=\"printPartialOrder\"/>\n<receipe number='1' name='Pizza \"4\"'/>\n"
+         "<method name=\"printFullOrderReceipt\"/>\n<receipe number='1' name='Pizza \"4\"' price='1' totalPrice='1'/>\n</r>\n",
+         {u"r.xml: printed line 1: attribute \"name\" of <receipe> holds a double quote, which ends the printer's "
+          "line early; safeText = \"true\" prints it as an apostrophe (request line 3, column 21)"_s}},
         {"a request that breaks off",
          "<r>\n<method name=\"printPartialOrder\"/>\n<receipe number=\"1\" name=\"Pizza\"/>\n<receipe number=",
          {u"r.xml: printed line 1: the request is not well-formed XML at line 4: nothing after it is printed "
