@@ -1,6 +1,6 @@
 #include "render.h"
 
-#include "companyprinterdriver.h"
+#include "escposprinterdriver.h"
 
 #include <new>
 
@@ -8,7 +8,7 @@ RenderOutcome renderRequest(QIODevice& in, QIODevice& out, const ZTConfiguration
                             RenderWatcher* watcher)
 {
     RenderOutcome outcome;
-    CompanyPrinterDriver driver(out, configuration);
+    EscPosPrinterDriver driver(out, configuration);
     XmlContentHandler& first = watcher ? static_cast<XmlContentHandler&>(*watcher) : driver;
     XmlReader reader(first);
     // Request text must not be able to end a printed line or start a command.
