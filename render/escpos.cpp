@@ -1,6 +1,7 @@
 #include "escpos.h"
 
-#include <QStringEncoder>
+#include <algorithm>
+#include <cstring>
 
 namespace EscPos {
 
@@ -15,12 +16,24 @@ constexpr CodePageNumber table[] = {
     {16, "windows-1252"}, {17, "CP866"}, {18, "CP852"},      {19, "CP858"},
 };
 
-// One name for all the names of a page: "IBM850" for "CP850" and "ibm850".
-QByteArray canonical(const QByteArray& name)
+// One name for the usual names of a page, without asking the encoders (whose
+// converters are slow to open): "CP858" for "IBM00858", "ibm858" and "858",
+// "CP1252" for "windows-1252".
+QByteArray canonical(QByteArrayView name)
 {
-    const QStringEncoder encoder(name.constData());
-    const char* known = encoder.isValid() ? encoder.name() : nullptr;
-    return known && *known ? QByteArray(known) : name.toUpper();
+    QByteArray upper = name.trimmed().toByteArray().toUpper();
+    for (const char* prefix : {"WINDOWS-", "IBM-", "IBM", "CP"}) {
+        if (upper.startsWith(prefix)) {
+            upper.remove(0, qsizetype(std::strlen(prefix)));
+            break;
+        }
+    }
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (upper.isEmpty() || !std::all_of(upper.cbegin(), upper.cend(), isDigit))
+        return name.trimmed().toByteArray().toUpper();
+    while (upper.size() > 1 && upper.startsWith('0'))
+        upper.remove(0, 1);
+    return "CP" + upper;
 }
 
 } // namespace

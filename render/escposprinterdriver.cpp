@@ -21,15 +21,15 @@ void EscPosPrinterDriver::command(QByteArrayView bytes)
 // fiscal printer whatever its settings say.
 bool EscPosPrinterDriver::choosesEscPos()
 {
-    const QByteArray key = (docPath + "dialect"_L1).toLatin1();
+    const auto key = [this] { return (docPath + "dialect"_L1).toLatin1(); };
     if (!settings.unknownDialect.isEmpty()) {
-        printDiagnostic({"Unknown dialect \"", settings.unknownDialect.toLocal8Bit(), "\" in ", key,
+        printDiagnostic({"Unknown dialect \"", settings.unknownDialect.toLocal8Bit(), "\" in ", key(),
                          ": the document is written as command text"});
     }
     if (settings.dialect != Dialect::EscPos)
         return false;
     if (isFiscal()) {
-        printDiagnostic({"A fiscal document is printed by the fiscal printer: ", key,
+        printDiagnostic({"A fiscal document is printed by the fiscal printer: ", key(),
                          " \"escpos\" is ignored and the document is written as command text"});
         return false;
     }

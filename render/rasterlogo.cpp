@@ -18,23 +18,29 @@ constexpr qint64 largestPixelCount = 16'000'000;
 
 // Shrinks a grey picture to `width` x `height` by averaging the block of
 // source pixels each target pixel covers.
-std::vector<int> shrunk(const QByteArray& grey, int sourceWidth, int sourceHeight, int width, int height)
+std::vector<uchar> shrunk(const uchar* source, int sourceWidth, int sourceHeight, int width, int height)
 {
-    std::vector<int> out(std::size_t(width) * std::size_t(height));
-    const auto* source = reinterpret_cast<const uchar*>(grey.constData());
+    std::vector<int> left(std::size_t(width) + 1);
+    for (int x = 0; x <= width; ++x)
+        left[std::size_t(x)] = int(qint64(x) * sourceWidth / width);
+    std::vector<uchar> out(std::size_t(width) * std::size_t(height));
+    std::vector<qint64> sums(std::size_t(width), 0);
     for (int y = 0; y < height; ++y) {
         const int top = int(qint64(y) * sourceHeight / height);
         const int bottom = std::max(top + 1, int(qint64(y + 1) * sourceHeight / height));
-        for (int x = 0; x < width; ++x) {
-            const int left = int(qint64(x) * sourceWidth / width);
-            const int right = std::max(left + 1, int(qint64(x + 1) * sourceWidth / width));
-            qint64 sum = 0;
-            for (int sy = top; sy < bottom; ++sy) {
-                const uchar* row = source + qsizetype(sy) * sourceWidth;
-                for (int sx = left; sx < right; ++sx)
-                    sum += row[sx];
+        std::fill(sums.begin(), sums.end(), qint64(0));
+        for (int sy = top; sy < bottom; ++sy) {
+            const uchar* row = source + qsizetype(sy) * sourceWidth;
+            for (int x = 0; x < width; ++x) {
+                const int right = std::max(left[std::size_t(x)] + 1, left[std::size_t(x) + 1]);
+                for (int sx = left[std::size_t(x)]; sx < right; ++sx)
+                    sums[std::size_t(x)] += row[sx];
             }
-            out[std::size_t(y) * std::size_t(width) + std::size_t(x)] = int(sum / (qint64(bottom - top) * (right - left)));
+        }
+        for (int x = 0; x < width; ++x) {
+            const int right = std::max(left[std::size_t(x)] + 1, left[std::size_t(x) + 1]);
+            out[std::size_t(y) * std::size_t(width) + std::size_t(x)]
+                = uchar(sums[std::size_t(x)] / ((bottom - top) * (right - left[std::size_t(x)])));
         }
     }
     return out;
@@ -47,29 +53,38 @@ RasterImage ditheredRaster(const QByteArray& grey, int sourceWidth, int sourceHe
     RasterImage image;
     image.width = std::min(sourceWidth, std::max(widestDots, 1));
     image.height = std::max(1, int(qint64(sourceHeight) * image.width / sourceWidth));
-    std::vector<int> level = shrunk(grey, sourceWidth, sourceHeight, image.width, image.height);
+    const auto* source = reinterpret_cast<const uchar*>(grey.constData());
+    std::vector<uchar> smaller;
+    if (image.width != sourceWidth || image.height != sourceHeight) {
+        smaller = shrunk(source, sourceWidth, sourceHeight, image.width, image.height);
+        source = smaller.data();
+    }
     image.bits = QByteArray(qsizetype(image.bytesPerRow()) * image.height, '\0');
+    auto* bits = reinterpret_cast<uchar*>(image.bits.data());
     // Floyd-Steinberg: what a dot's black or white misses of its grey is
-    // passed on to the dots right of it and below it.
+    // passed on to the dots right of it and below it. The errors of two
+    // rows are kept, with a dot to spare on either side for what would
+    // fall off the picture.
     const int w = image.width;
+    std::vector<int> errors(2 * (std::size_t(w) + 2));
+    int* here = errors.data() + 1;
+    int* below = here + w + 2;
     for (int y = 0; y < image.height; ++y) {
-        int* row = level.data() + std::size_t(y) * std::size_t(w);
-        int* below = y + 1 < image.height ? row + w : nullptr;
+        const uchar* row = source + qsizetype(y) * w;
+        uchar* out = bits + qsizetype(y) * image.bytesPerRow();
+        std::fill(below - 1, below + w + 1, 0);
         for (int x = 0; x < w; ++x) {
-            const bool black = row[x] < 128;
-            const int error = row[x] - (black ? 0 : 255);
+            const int level = row[x] + here[x];
+            const bool black = level < 128;
+            const int error = level - (black ? 0 : 255);
             if (black)
-                image.bits[qsizetype(y) * image.bytesPerRow() + x / 8] |= char(0x80 >> (x % 8));
-            if (x + 1 < w)
-                row[x + 1] += error * 7 / 16;
-            if (below) {
-                if (x > 0)
-                    below[x - 1] += error * 3 / 16;
-                below[x] += error * 5 / 16;
-                if (x + 1 < w)
-                    below[x + 1] += error / 16;
-            }
+                out[x >> 3] |= uchar(0x80 >> (x & 7));
+            here[x + 1] += error * 7 / 16;
+            below[x - 1] += error * 3 / 16;
+            below[x] += error * 5 / 16;
+            below[x + 1] += error / 16;
         }
+        std::swap(here, below);
     }
     return image;
 }
