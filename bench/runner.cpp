@@ -230,7 +230,7 @@ Options parse(int argc, char** argv)
                    " --small FILE --small-items N --medium FILE --medium-items N"
                    " --large FILE --large-items N [--startup-reps N] [--large-reps N]"
                    " [--preview-short FILE --preview-short-items N]"
-                   " [--escpos-home DIR --escpos-logo-home DIR]");
+                   " [--text-home DIR --escpos-home DIR --escpos-logo-home DIR]");
         options.values[argv[i] + 2] = argv[i + 1];
     }
     return options;
@@ -308,11 +308,13 @@ void previewFigures(const Options& options, const Inputs& in, std::vector<std::s
 }
 
 // (e) ESC/POS: the small receipt for a thermal printer against the same
-// receipt as command text, and what a 576-dot logo adds to it.
+// receipt, in the same code page, as command text, and what a 576-dot logo
+// adds to it.
 void escPosFigures(const Options& options, const Inputs& in, const std::string& render,
                    std::vector<std::string>& env)
 {
-    Command commandText{"command text", {render, in.small, in.out + "/small.txt"}};
+    Command commandText{"command text", {render, in.small, in.out + "/text.txt"}, {}, 0,
+                        environmentWithHome(options.get("text-home"))};
     Command escPos{"ESC/POS", {render, in.small, in.out + "/small.bin"}, {}, 0,
                    environmentWithHome(options.get("escpos-home"))};
     Command logo{"ESC/POS with logo", {render, in.small, in.out + "/logo.bin"}, {}, 0,
