@@ -145,7 +145,8 @@ qint64 EscPosReader::command(QByteArrayView bytes, qint64 at)
         addPicture(at, bytes.sliced(at, 8), bytes.sliced(at + 8, length - 8));
         return length;
     }
-    flagCommand(at, bytes.sliced(at, 2), u"the preview does not know this command and reads on after its first two bytes"_s);
+    flagCommand(at, bytes.sliced(at, 2),
+                u"the preview does not know this command and reads on after its first two bytes"_s);
     return 2;
 }
 
@@ -199,11 +200,13 @@ void EscPosReader::flushLine(qint64 offset)
 void EscPosReader::endLine(qint64 offset)
 {
     const bool empty = lineStart < 0;
-    Row& row = section(empty ? offset : lineStart).rows.emplace_back();
-    const Modes used = empty ? modes : lineModes;
-    row.offset = empty ? offset : lineStart;
+    const qint64 start = empty ? offset : lineStart;
+    Section& strip = section(start);
     if (!decoder)
-        selectCodePage(0, row.offset);
+        selectCodePage(0, start);
+    Row& row = strip.rows.emplace_back();
+    const Modes used = empty ? modes : lineModes;
+    row.offset = start;
     row.text = decoder->decode(line);
     row.bold = used.bold;
     row.doubleHeight = used.doubleHeight;
@@ -212,7 +215,8 @@ void EscPosReader::endLine(qint64 offset)
         const char16_t c = row.text.at(i).unicode();
         if (c == QChar::ReplacementCharacter || c < 0x20 || c == 0x7f) {
             row.flags.push_back({Flag::Kind::Unprintable,
-                                 u"a byte the printer does not print as text in code page "_s + QString::fromLatin1(codePage),
+                                 u"a byte the printer does not print as text in code page "_s
+                                     + QString::fromLatin1(codePage),
                                  u"not text"_s});
             row.marks.push_back({i, 1});
         }

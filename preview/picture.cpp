@@ -157,7 +157,8 @@ std::vector<Band> Picture::bands() const
         all.push_back({Band::Kind::Heading, &section});
         all.push_back({Band::Kind::PaperTop, &section});
         for (const Row& row : section.rows)
-            all.push_back({row.doubleHeight ? Band::Kind::TallRow : Band::Kind::Row, &section, &row, nullptr, ++number});
+            const Band::Kind kind = row.doubleHeight ? Band::Kind::TallRow : Band::Kind::Row;
+            all.push_back({kind, &section, &row, nullptr, ++number});
         all.push_back({Band::Kind::End, &section});
     }
     if (!paper.unplaced.empty())
@@ -246,7 +247,11 @@ void Picture::draw(Canvas& canvas, const std::vector<Band>& page, int pageNumber
 
 int Picture::pictureWidthOf(const Row& row) const
 {
-    return row.image ? row.image->width * grid.charWidth / dotsPerCharacter : 0;
+    if (!row.image)
+        return 0;
+    // No wider than the widest line drawn.
+    return int(qMin(qint64(row.image->width) * grid.charWidth / dotsPerCharacter,
+                    qint64(widestDrawnLine) * grid.charWidth));
 }
 
 // The dots of a picture's band, each pixel black when the dot it falls on
