@@ -156,9 +156,10 @@ std::vector<Band> Picture::bands() const
             all.push_back({Band::Kind::Gap});
         all.push_back({Band::Kind::Heading, &section});
         all.push_back({Band::Kind::PaperTop, &section});
-        for (const Row& row : section.rows)
+        for (const Row& row : section.rows) {
             const Band::Kind kind = row.doubleHeight ? Band::Kind::TallRow : Band::Kind::Row;
             all.push_back({kind, &section, &row, nullptr, ++number});
+        }
         all.push_back({Band::Kind::End, &section});
     }
     if (!paper.unplaced.empty())
