@@ -72,6 +72,7 @@ int main(int argc, char** argv)
                "<document>\n"
                "  <method name=\"printFullOrderReceipt\"/>\n"
                "  <printers name=\"Cassa 1\" charsize=\"1\" ipaddress=\"192.168.1.40\" port=\"9100\"/>\n"
+               "  <logo/>\n"
                "  <headers line1=\"Trattoria da Nino\" line2=\"Via Roma 12, Bologna\"/>\n"
                "  <company name=\"Nino s.r.l.\" address=\"Via Roma 12\" vat=\"P.IVA 01234567890\"/>\n"
                "  <receipt serialnumber=\"1042\"/>\n"

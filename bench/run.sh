@@ -30,7 +30,21 @@ for n in $small $short $medium $large; do
     "$build/bench/bench_generate" "$n" "$work/receipt-$n.xml"
 done
 
+# The same configuration with the receipt in one code page, for the receipt
+# printer's command text and for a thermal printer, without and with a logo
+# as wide as an 80 mm head.
+for variant in text escpos escpos-logo; do
+    mkdir -p "$work/$variant/.zentaro/conf"
+    dialect=escpos logo=false
+    [ "$variant" = text ] && dialect=command-text
+    [ "$variant" = escpos-logo ] && logo=true
+    settings="receiptdoc : { dialect = \"$dialect\"; codePage = \"CP858\"; printLogo = \"$logo\"; logo = \"$repo/bench/logo-576.png\"; };"
+    sed "0,/{/s||{\n    $settings|" "$repo/examples/home/.zentaro/conf/zentaro.conf" \
+        >"$work/$variant/.zentaro/conf/zentaro.conf"
+done
+
 "$build/bench/bench_runner" \
+    --text-home "$work/text" --escpos-home "$work/escpos" --escpos-logo-home "$work/escpos-logo" \
     --bin "$build" --home "$repo/examples/home" --out "$work" \
     --small "$work/receipt-$small.xml" --small-items $small \
     --medium "$work/receipt-$medium.xml" --medium-items $medium \

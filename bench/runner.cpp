@@ -49,6 +49,8 @@ struct Command
     std::vector<Sample> samples;
     // The preview answers 1 when it flagged something, which is no failure.
     int highestStatus = 0;
+    // The environment of this command alone (another HOME); empty: the run's.
+    std::vector<std::string> env = {};
 };
 
 [[noreturn]] void fail(const std::string& message)
@@ -95,7 +97,7 @@ Sample runOnce(Command& command, std::vector<std::string>& env)
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     std::vector<char*> argv = pointers(command.argv);
-    std::vector<char*> envp = pointers(env);
+    std::vector<char*> envp = pointers(command.env.empty() ? env : command.env);
 
     const double start = now();
     pid_t pid = 0;
@@ -227,7 +229,8 @@ Options parse(int argc, char** argv)
                  + " --bin DIR --home DIR --out DIR"
                    " --small FILE --small-items N --medium FILE --medium-items N"
                    " --large FILE --large-items N [--startup-reps N] [--large-reps N]"
-                   " [--preview-short FILE --preview-short-items N]");
+                   " [--preview-short FILE --preview-short-items N]"
+                   " [--text-home DIR --escpos-home DIR --escpos-logo-home DIR]");
         options.values[argv[i] + 2] = argv[i + 1];
     }
     return options;
@@ -302,6 +305,32 @@ void previewFigures(const Options& options, const Inputs& in, std::vector<std::s
                 "   peak RSS %.1f MB   %lld items %.1f MB   ratio %.2f (target <= 1.5, pages bounded)  %s\n",
                 in.mediumItems, longMs, median(print), longMs / median(print), longMb, shortItems, shortMb,
                 longMb / shortMb, verdict(longMb / shortMb <= 1.5));
+}
+
+// (e) ESC/POS: the small receipt for a thermal printer against the same
+// receipt, in the same code page, as command text, and what a 576-dot logo
+// adds to it.
+void escPosFigures(const Options& options, const Inputs& in, const std::string& render,
+                   std::vector<std::string>& env)
+{
+    Command commandText{"command text", {render, in.small, in.out + "/text.txt"}, {}, 0,
+                        environmentWithHome(options.get("text-home"))};
+    Command escPos{"ESC/POS", {render, in.small, in.out + "/small.bin"}, {}, 0,
+                   environmentWithHome(options.get("escpos-home"))};
+    Command logo{"ESC/POS with logo", {render, in.small, in.out + "/logo.bin"}, {}, 0,
+                 environmentWithHome(options.get("escpos-logo-home"))};
+    runInterleaved({&commandText, &escPos, &logo}, in.startupReps, env);
+    // A logo that failed to load would make its cost look nil.
+    if (fileSize(in.out + "/logo.bin") < fileSize(in.out + "/small.bin") + 576 / 8 * 100)
+        fail("the ESC/POS receipt has no logo: check --escpos-logo-home");
+    const double textMs = median(commandText);
+    const double escPosMs = median(escPos);
+    const double logoMs = median(logo) - escPosMs;
+    std::printf("escpos    receipt %lld items  %.2f ms   command text %.2f ms   ratio %.3f (target <= 1.05)  %s\n",
+                in.smallItems, escPosMs, textMs, escPosMs / textMs, verdict(escPosMs / textMs <= 1.05));
+    std::printf("          576-dot logo adds %.2f ms (CPU %.2f ms)   (target < 2 ms)  %s\n", logoMs,
+                medianCpu(logo) - medianCpu(escPos), verdict(logoMs < 2));
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -394,6 +423,8 @@ int main(int argc, char** argv)
                 smallItems, peakMb(renderSmall), peakMb(expatFloor), peakMb(copyFloor));
     std::fflush(stdout);
 
+    if (options.has("escpos-home"))
+        escPosFigures(options, in, render, env);
     if (options.has("preview-short"))
         previewFigures(options, in, env);
     return 0;

@@ -4,7 +4,10 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <vector>
+
+struct RasterImage;
 
 namespace preview {
 
@@ -51,7 +54,21 @@ struct Row
     qint64 offset = 0;
     std::vector<Flag> flags;
     std::vector<Mark> marks;
+
+    // How an ESC/POS printer prints the line.
+    bool bold = false;
+    bool doubleHeight = false;
+    bool centred = false;
+    // A band of a picture instead of text: the dot rows [imageTop,
+    // imageTop + imageRowsPerLine) of `image`, as tall as a line of text.
+    std::shared_ptr<const RasterImage> image;
+    int imageTop = 0;
 };
+
+// A line of text is 24 dots tall and a character 12 dots wide on the
+// thermal printers: a picture is drawn on the character grid at that scale.
+inline constexpr int imageRowsPerLine = 24;
+inline constexpr int dotsPerCharacter = 12;
 
 // One strip of paper: what one method element (or one "j" of a print file)
 // starts.
@@ -62,6 +79,8 @@ struct Section
     int paperWidth = 0;
     QByteArray codePage;
     bool fiscal = false;
+    // Read from ESC/POS commands rather than command text.
+    bool escPos = false;
     // Closed by its end command, so that the printer cuts the paper.
     bool cut = false;
     std::vector<Row> rows;

@@ -1,6 +1,7 @@
 #include "picture.h"
 
 #include "codepage.h"
+#include "rasterlogo.h"
 
 using namespace Qt::StringLiterals;
 
@@ -91,6 +92,8 @@ Picture::Picture(const Paper& paper, Metrics metrics)
         contentRight = qMax(contentRight, textStart + int(printedLength(heading(section))) * cw);
         for (const Row& row : section.rows) {
             contentRight = qMax(contentRight, textStart + int(drawnLength(row.text)) * cw);
+            if (row.image)
+                contentRight = qMax(contentRight, textStart + pictureWidthOf(row));
             if (!row.flags.empty())
                 noteColumns = qMax(noteColumns, printedLength(marginNote(row)));
         }
@@ -113,6 +116,8 @@ QString Picture::heading(const Section& section) const
                                             : section.method;
     text += u" \u00b7 paper "_s + QString::number(section.paperWidth) + u" \u00b7 "_s
             + QString::fromLatin1(section.codePage);
+    if (section.escPos)
+        text += u" \u00b7 ESC/POS"_s;
     return text;
 }
 
@@ -121,6 +126,7 @@ int Picture::bandHeight(Band::Kind kind) const
     switch (kind) {
     case Band::Kind::Title: return 2 * grid.rowHeight;
     case Band::Kind::PaperTop: return grid.rowHeight / 2;
+    case Band::Kind::TallRow: return 2 * grid.rowHeight;
     default: return grid.rowHeight;
     }
 }
@@ -150,8 +156,10 @@ std::vector<Band> Picture::bands() const
             all.push_back({Band::Kind::Gap});
         all.push_back({Band::Kind::Heading, &section});
         all.push_back({Band::Kind::PaperTop, &section});
-        for (const Row& row : section.rows)
-            all.push_back({Band::Kind::Row, &section, &row, nullptr, ++number});
+        for (const Row& row : section.rows) {
+            const Band::Kind kind = row.doubleHeight ? Band::Kind::TallRow : Band::Kind::Row;
+            all.push_back({kind, &section, &row, nullptr, ++number});
+        }
         all.push_back({Band::Kind::End, &section});
     }
     if (!paper.unplaced.empty())
@@ -211,6 +219,7 @@ void Picture::draw(Canvas& canvas, const std::vector<Band>& page, int pageNumber
             canvas.horizontalLine(paperLeft, paperRight(*band.section), bandTop, Ink::PaperEdge, false);
             break;
         case Band::Kind::Row:
+        case Band::Kind::TallRow:
             drawRow(canvas, band, bandTop);
             break;
         case Band::Kind::End: {
@@ -237,23 +246,63 @@ void Picture::draw(Canvas& canvas, const std::vector<Band>& page, int pageNumber
     }
 }
 
+int Picture::pictureWidthOf(const Row& row) const
+{
+    if (!row.image)
+        return 0;
+    // No wider than the widest line drawn.
+    return int(qMin(qint64(row.image->width) * grid.charWidth / dotsPerCharacter,
+                    qint64(widestDrawnLine) * grid.charWidth));
+}
+
+// The dots of a picture's band, each pixel black when the dot it falls on
+// is, drawn as runs of black pixels.
+void Picture::drawPicture(Canvas& canvas, const Section& section, const Row& row, int top) const
+{
+    const RasterImage& image = *row.image;
+    const int width = pictureWidthOf(row);
+    const int paperPixels = qMax(section.paperWidth, 1) * grid.charWidth;
+    const int left = textStart + (row.centred ? qMax(0, (paperPixels - width) / 2) : 0);
+    for (int y = 0; y < grid.rowHeight; ++y) {
+        const int dotRow = row.imageTop + y * imageRowsPerLine / grid.rowHeight;
+        if (dotRow >= image.height)
+            break;
+        int runStart = -1;
+        for (int x = 0; x <= width; ++x) {
+            const bool black = x < width && image.blackAt(x * dotsPerCharacter / grid.charWidth, dotRow);
+            if (black && runStart < 0)
+                runStart = x;
+            if (!black && runStart >= 0) {
+                canvas.fill(left + runStart, top + y, x - runStart, 1, Canvas::Ink::Text);
+                runStart = -1;
+            }
+        }
+    }
+}
+
 void Picture::drawRow(Canvas& canvas, const Band& band, int top) const
 {
     using Ink = Canvas::Ink;
     const int cw = grid.charWidth;
-    const int rh = grid.rowHeight;
+    const int rh = bandHeight(band.kind);
     const Section& section = *band.section;
     const Row& row = *band.row;
     const int right = paperRight(section);
     canvas.fill(paperLeft, top, right - paperLeft, rh, Ink::Paper);
+    // A tall row's text and number stand on its lower half.
+    const int baseline = top + rh - grid.rowHeight + grid.baseline;
 
     const QString number = QString::number(band.number);
-    canvas.text(numbersRight - int(number.size()) * cw, top + grid.baseline, number, Ink::LineNumber, number.size());
+    canvas.text(numbersRight - int(number.size()) * cw, baseline, number, Ink::LineNumber, number.size());
+    if (row.image)
+        drawPicture(canvas, section, row, top);
 
     // Cells are counted in printed characters: a character outside the
     // Basic Multilingual Plane takes one cell, not two.
     const auto cell = [&row](qsizetype index) { return printedLength(QStringView(row.text).first(index)); };
     const qsizetype length = drawnLength(row.text);
+    // The printer centres a line on its paper.
+    const int textLeft = textStart + (row.centred ? int(qMax<qsizetype>(0, section.paperWidth - length) / 2) * cw : 0);
     if (length > section.paperWidth && row.style == Row::Style::Paper) {
         canvas.fill(textStart + section.paperWidth * cw, top, int(length - section.paperWidth) * cw, rh,
                     Ink::Overflow);
@@ -263,16 +312,20 @@ void Picture::drawRow(Canvas& canvas, const Band& band, int top) const
         const qsizetype cells = qMin(cell(mark.start + mark.length), length) - start;
         if (cells <= 0)
             continue;
-        canvas.fill(textStart + int(start) * cw, top + 1, int(cells) * cw, rh - 2, Ink::Mark);
+        canvas.fill(textLeft + int(start) * cw, top + 1, int(cells) * cw, rh - 2, Ink::Mark);
     }
     if (!row.text.isEmpty()) {
-        canvas.text(textStart, top + grid.baseline, shown(row.text),
-                    row.style == Row::Style::Paper ? Ink::Text : Ink::Annotation, length);
+        if (row.style == Row::Style::Annotation)
+            canvas.text(textLeft, baseline, shown(row.text), Ink::Annotation, length);
+        else if (row.bold || row.doubleHeight)
+            canvas.printedText(textLeft, baseline, shown(row.text), length, row.bold, row.doubleHeight);
+        else
+            canvas.text(textLeft, baseline, shown(row.text), Ink::Text, length);
     }
     if (!row.flags.empty()) {
         canvas.fill(flagLeft, top, flagWidth, rh, Ink::Flag);
         const QString note = marginNote(row);
-        canvas.text(notesLeft, top + grid.baseline, note, Ink::Note, printedLength(note));
+        canvas.text(notesLeft, baseline, note, Ink::Note, printedLength(note));
     }
 }
 

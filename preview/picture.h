@@ -33,6 +33,15 @@ public:
     virtual void horizontalLine(int x1, int x2, int y, Ink ink, bool dashed) = 0;
     // Text on the character grid: `columns` cells wide, its baseline at `baseline`.
     virtual void text(int x, int baseline, const QString& text, Ink ink, qsizetype columns) = 0;
+    // Text as a thermal printer prints it: bold, or twice as tall (the
+    // baseline is then that of the lower of the two rows it takes).
+    virtual void printedText(int x, int baseline, const QString& text, qsizetype columns, bool bold,
+                             bool doubleHeight)
+    {
+        Q_UNUSED(bold);
+        Q_UNUSED(doubleHeight);
+        this->text(x, baseline, text, Ink::Text, columns);
+    }
 };
 
 QLatin1StringView colourOf(Canvas::Ink ink);
@@ -54,6 +63,7 @@ struct Band
         Heading,  // above a strip: its document, paper width and code page
         PaperTop, // the blank start of a strip
         Row,
+        TallRow,  // a row printed twice as tall
         End,      // the strip's end: cut, or not
         Gap,
         Unplaced, // a finding with no line to stand beside
@@ -99,6 +109,9 @@ public:
 
 private:
     void drawRow(Canvas& canvas, const Band& band, int top) const;
+    void drawPicture(Canvas& canvas, const Section& section, const Row& row, int top) const;
+    // The width in pixels of a row's picture.
+    int pictureWidthOf(const Row& row) const;
     int paperRight(const Section& section) const;
     QString heading(const Section& section) const;
 

@@ -69,6 +69,20 @@ public:
         painter.drawText(QPoint(x, baseline), text);
     }
 
+    void printedText(int x, int baseline, const QString& text, qsizetype, bool bold, bool doubleHeight) override
+    {
+        QFont font = plain;
+        font.setBold(bold);
+        painter.save();
+        painter.setFont(font);
+        painter.setPen(QColor::fromString(colourOf(Ink::Text)));
+        painter.translate(x, baseline);
+        if (doubleHeight)
+            painter.scale(1, 2);
+        painter.drawText(QPoint(0, 0), text);
+        painter.restore();
+    }
+
 private:
     QPainter& painter;
     QFont plain;

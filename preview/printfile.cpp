@@ -1,5 +1,7 @@
 #include "printfile.h"
 
+#include "escposfile.h"
+
 #include "codepage.h"
 
 #include <QRegularExpression>
@@ -224,14 +226,31 @@ Paper readPrintFile(const QByteArray& bytes, const std::vector<SectionSetup>& se
     Paper paper;
     paper.source = source;
     const std::vector<SectionSetup> fallback{SectionSetup{}};
-    Reader reader(setups.empty() ? fallback : setups, paper);
+    const std::vector<SectionSetup>& all = setups.empty() ? fallback : setups;
+    Reader reader(all, paper);
+    EscPosReader escPos(paper);
+    bool lastWasEscPos = false;
+    // Each document's bytes go to the reader of its dialect.
     qint64 start = 0;
-    while (start < bytes.size()) {
-        qint64 end = bytes.indexOf('\n', start);
-        if (end < 0)
-            end = bytes.size();
-        reader.line(start, QByteArrayView(bytes).sliced(start, end - start));
-        start = end + 1;
+    for (std::size_t i = 0; i < all.size() && start < bytes.size(); ++i) {
+        const qint64 to = i + 1 < all.size() ? qBound(start, all[i + 1].offset, qint64(bytes.size())) : bytes.size();
+        if (all[i].escPos || looksLikeEscPos(QByteArrayView(bytes).sliced(start))) {
+            escPos.read(bytes, start, to, all[i]);
+            lastWasEscPos = true;
+            start = to;
+            continue;
+        }
+        if (lastWasEscPos)
+            start = escPos.readEnding(bytes, start, to);
+        lastWasEscPos = false;
+        while (start < to) {
+            qint64 end = bytes.indexOf('\n', start);
+            if (end < 0 || end > to)
+                end = to;
+            reader.line(start, QByteArrayView(bytes).sliced(start, end - start));
+            start = end + 1;
+        }
+        start = to;
     }
     return paper;
 }

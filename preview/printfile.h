@@ -20,6 +20,10 @@ struct SectionSetup
     // The print file's bytes from here on are in this code page.
     QByteArray codePage = "UTF-8";
     bool fiscal = false;
+    // The print run wrote the document in ESC/POS, in `codePage`; a print
+    // file is taken to be ESC/POS when its bytes start with the printer's
+    // reset, and its code page is the one its ESC t command names.
+    bool escPos = false;
 };
 
 // Reads the command text of a print file into strips of paper: the framing

@@ -187,8 +187,10 @@ public:
             findings[i].onLastLine = true;
         }
         if (isMethod) {
+            // Fiscal documents stay command text whatever their dialect.
+            const bool escPos = driver->documentSettings().dialect == Dialect::EscPos && !driver->isFiscal();
             setups.push_back({before, driver->method(), driver->documentSettings().paperWidth,
-                              driver->codePageInForce().name(), driver->isFiscal()});
+                              driver->codePageInForce().name(), driver->isFiscal(), escPos});
         }
         // The method element reads the document's settings; a few elements
         // read one of their own (the top margin, the fiscal description width).

@@ -64,6 +64,21 @@ public:
         out += u'>' + escaped(text) + "</text>\n"_L1;
     }
 
+    void printedText(int x, int baseline, const QString& text, qsizetype columns, bool bold,
+                     bool doubleHeight) override
+    {
+        out += u"<text class=\"t\""_s;
+        if (doubleHeight)
+            out += u" x=\"0\" y=\"0\" transform=\"translate(%1 %2) scale(1 2)\""_s.arg(x).arg(baseline);
+        else
+            out += u" x=\"%1\" y=\"%2\""_s.arg(x).arg(baseline);
+        if (bold)
+            out += " font-weight=\"bold\""_L1;
+        if (columns > 0)
+            out += u" textLength=\"%1\" lengthAdjust=\"spacingAndGlyphs\""_s.arg(columns * Metrics().charWidth);
+        out += u'>' + escaped(text) + "</text>\n"_L1;
+    }
+
 private:
     QString& out;
 };

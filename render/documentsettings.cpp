@@ -83,6 +83,28 @@ private:
     MisreadSettings* misread;
 };
 
+// The printer's dialect and what only ESC/POS printers read.
+void readDeviceSettings(SettingsReader& read, DocumentSettings& settings)
+{
+    const QString dialect = read.text("dialect"_L1).trimmed();
+    if (dialect == "escpos"_L1)
+        settings.dialect = Dialect::EscPos;
+    else if (dialect == "command-text"_L1)
+        settings.dialect = Dialect::CommandText;
+    else if (!dialect.isEmpty())
+        settings.unknownDialect = dialect;
+    // A number the printer cannot take (a byte) is no override.
+    if (!read.text("codePageNumber"_L1).isEmpty()) {
+        const int number = read.number("codePageNumber"_L1);
+        settings.codePageNumber = number >= 0 && number <= 255 ? number : -1;
+    }
+    settings.logo = read.text("logo"_L1).trimmed();
+    if (const int dots = read.width("dotsPerLine"_L1); dots > 0)
+        settings.dotsPerLine = dots;
+    if (!read.text("cutFeed"_L1).isEmpty())
+        settings.cutFeed = std::clamp(read.number("cutFeed"_L1), 0, 255);
+}
+
 } // namespace
 
 std::span<const SwitchKey> switchKeys()
@@ -125,6 +147,7 @@ DocumentSettings readDocumentSettings(const ZTConfiguration& configuration, cons
         settings.*key.member = read.flag(key.keyWord);
     settings.safeText = read.flag("safeText"_L1);
     settings.codePage = read.text("codePage"_L1).trimmed().toLatin1();
+    readDeviceSettings(read, settings);
     if (&type == &DocumentTypes::fiscal) {
         settings.descriptionWidth = read.width("descriptionWidth"_L1);
         if (settings.descriptionWidth == 0)

@@ -14,6 +14,15 @@ class ZTConfiguration;
 // printer's 32 columns.
 inline constexpr int defaultPaperWidth = 32;
 
+// The language a document's printer speaks: the receipt printer's command
+// text, or the thermal printers' ESC/POS.
+enum class Dialect { CommandText, EscPos };
+inline constexpr Dialect defaultDialect = Dialect::CommandText;
+// An 80 mm head at 203 dpi; a 58 mm one has 384 dots.
+inline constexpr int defaultDotsPerLine = 576;
+// Lines fed before the cut, so that the last line clears the knife.
+inline constexpr int defaultCutFeed = 4;
+
 // Settings of one document type, read from "<prefix><key word>" keys; each
 // field bears the name of the key word that fills it.
 struct DocumentSettings
@@ -51,6 +60,18 @@ struct DocumentSettings
     // How much of an item's name the fiscal printer takes; read for fiscal
     // documents only, the paper width of the device when none is set.
     int descriptionWidth = 0;
+
+    Dialect dialect = defaultDialect;
+    // The text of a dialect key word that names no dialect; empty when it
+    // names one or is not set.
+    QString unknownDialect;
+    // The printer's number of its code page, overriding the usual one;
+    // -1: the usual one.
+    int codePageNumber = -1;
+    // A PNG file printed where the request places its logo.
+    QString logo;
+    int dotsPerLine = defaultDotsPerLine;
+    int cutFeed = defaultCutFeed;
 };
 
 // A per-document switch (printDate, printCustomer, ...).

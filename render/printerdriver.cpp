@@ -100,12 +100,11 @@ void PrinterDriver::loadValues(const QString& type)
     docPath = documentPath(type);
     const DocumentType* known = knownType(type);
     settings = readDocumentSettings(*config, known ? *known : DocumentTypes::prefiscal, &misread);
-    chooseCodePage();
+    chooseCodePage(settings.codePage);
 }
 
-void PrinterDriver::chooseCodePage()
+void PrinterDriver::chooseCodePage(const QByteArray& name)
 {
-    const QByteArray& name = settings.codePage;
     CodePage* chosen = codePages.front().get(); // the locale's
     if (!name.isEmpty()) {
         const auto known = std::find_if(codePages.begin() + 1, codePages.end(),

@@ -171,6 +171,10 @@ protected:
     void printStatementHeader(const XmlAttributes& atts);
     void printStatement(const XmlAttributes& atts);
 
+    // Text from here on is made printable in and written in the code page
+    // of that name (empty: the locale's); an unknown one is reported.
+    void chooseCodePage(const QByteArray& name);
+
     void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
     void printPricedItem(const XmlAttributes& atts, QStringView layout);
@@ -193,7 +197,6 @@ protected:
 
 private:
     void chooseDocument(const Documents::Document& document);
-    void chooseCodePage();
     // The element of the document in force named `name`, or null.
     const Documents::Element* elementOf(QStringView name);
 

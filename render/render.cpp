@@ -1,6 +1,6 @@
 #include "render.h"
 
-#include "companyprinterdriver.h"
+#include "escposprinterdriver.h"
 
 #include <new>
 #include <optional>
@@ -11,7 +11,7 @@ RenderOutcome renderRequest(QIODevice& in, QIODevice& out, const ZTConfiguration
     RenderOutcome outcome;
     // Memory may run out anywhere from here on, even before the first
     // element: whatever was made is kept, and what was rendered is written.
-    std::optional<CompanyPrinterDriver> driver;
+    std::optional<EscPosPrinterDriver> driver;
     std::optional<XmlReader> reader;
     try {
         driver.emplace(out, configuration);

@@ -37,6 +37,19 @@ void TextOutput::encodeLong(QStringView text)
     encode(text);
 }
 
+void TextOutput::writeBytes(QByteArrayView bytes)
+{
+    if (bytes.size() > bufferSize - used)
+        flush();
+    if (bytes.size() > bufferSize) {
+        if (!writeFailed)
+            writeFailed = device->write(bytes.data(), bytes.size()) != bytes.size();
+        return;
+    }
+    std::memcpy(buffer.get() + used, bytes.data(), bytes.size());
+    used += bytes.size();
+}
+
 void TextOutput::flush()
 {
     if (used == 0)

@@ -2,6 +2,7 @@
 
 #include "asciiblocks.h"
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringEncoder>
 #include <QStringView>
@@ -35,6 +36,8 @@ public:
             encodeLong(text);
         return *this;
     }
+    // Bytes that are no text (printer commands, images), as they are.
+    void writeBytes(QByteArrayView bytes);
     void flush();
     // Whether a write to the device fell short (a full disk, a closed
     // pipe); nothing is written after that, so the file ends where the

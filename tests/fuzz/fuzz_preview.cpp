@@ -1,5 +1,5 @@
-// Feeds arbitrary bytes to the preview as a request or a print file (as the
-// content says) and checks that the SVG picture it draws is well-formed XML
+// Feeds arbitrary bytes to the preview as a request, a command-text print
+// file or an ESC/POS one (as the content says: ESC @ first) and checks that the SVG picture it draws is well-formed XML
 // whatever the input holds.
 #include "preview.h"
 #include "textpictures.h"
@@ -20,6 +20,8 @@ const char configuration[] = R"(zentaro : {
             printGeometry = "true"; printHeader = "yes"; printCompany = "true"; };
     receiptdoc : { quantityFieldWidth = 3; priceFieldWidth = 8; totalPriceFieldWidth = 9;
             paperWidth = 40; printCustomer = "true"; printDate = "true"; codePage = "US-ASCII"; };
+    prefiscaldoc : { dialect = "escpos"; codePage = "CP858"; paperWidth = 32; openCashDrawer = "true"; };
+    solddoc : { dialect = "escpos"; codePage = "ISO-8859-15"; printLogo = "true"; logo = "/nonexistent.png"; };
     fiscaldoc : { descriptionWidth = 12; paperWidth = 24; };
     reportdoc : { paperWidth = "wide"; priceFieldWidth = 8; };
 };

@@ -1,5 +1,6 @@
 // Feeds arbitrary bytes as a print request through the reader, the driver
-// and the command-text device, with a fixed configuration, and checks the
+// and its devices (receipts and sold items in ESC/POS, the others in command
+// text), with a fixed configuration, and checks the
 // prefix rule: a request that breaks off at a fault prints exactly what the
 // same request cut just before the fault prints.
 #include "printerdriver.h"
@@ -24,12 +25,12 @@ const char configuration[] = R"(zentaro : {
             printWaiter = "true"; printNote = "true"; printCredit = "true"; };
     receiptdoc : { quantityFieldWidth = 3; priceFieldWidth = 8; totalPriceFieldWidth = 9;
             paperWidth = 40; printHeader = "true"; printCustomer = "true"; printLicenseNumber = "true";
-            printFiscalCode = "true"; };
+            printFiscalCode = "true"; dialect = "escpos"; codePage = "CP858"; openCashDrawer = "true"; };
     invoicedoc : { quantityFieldWidth = 30; priceFieldWidth = 8; totalPriceFieldWidth = 9;
             paperWidth = 20; printCustomer = "true"; };
     fiscaldoc : { descriptionWidth = 12; };
     reportdoc : { paperWidth = 10; priceFieldWidth = 8; };
-    solddoc : { quantityFieldWidth = -5; paperWidth = 40; };
+    solddoc : { quantityFieldWidth = -5; paperWidth = 40; dialect = "escpos"; codePage = "ISO-8859-15"; };
 };
 )";
 

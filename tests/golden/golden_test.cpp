@@ -6,7 +6,9 @@
 //                        @TRANSLATIONS@ is the build's catalogues, @CASE@ the case folder)
 //   args                 words replacing "@REQUEST@ @OUTPUT@" (optional)
 //   env                  NAME=value lines added to the environment (optional)
-//   expected.txt         the print file (absent: no print file may appear)
+//   expected.txt         the print file (absent: no print file may appear);
+//                        a binary one (ESC/POS) is expected.bin, and shown as
+//                        a hex dump where it differs
 //   expected_stdout.txt  standard output (absent: it must stay empty)
 //
 // GOLDEN_UPDATE=1 in the environment rewrites the expected files from what
@@ -25,7 +27,7 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
-using testsupport::lineDiff;
+using testsupport::byteDiff;
 using testsupport::readBytes;
 
 namespace {
@@ -71,7 +73,7 @@ void expectFile(const QString& path, const QByteArray& actual, bool optional, co
         return;
     }
     const QByteArray expected = readBytes(path);
-    EXPECT_TRUE(actual == expected) << what << "\n" << lineDiff(expected, actual);
+    EXPECT_TRUE(actual == expected) << what << "\n" << byteDiff(expected, actual);
 }
 
 class Golden : public testing::TestWithParam<std::string>
@@ -111,11 +113,14 @@ TEST_P(Golden, PrintRun)
     gotStdout.replace(ZENTARO_PRINT, "@PROGRAM@").replace(dir.path().toLocal8Bit(), "@CASE@");
     expectFile(dir.filePath(u"expected_stdout.txt"_s), gotStdout, true, "standard output");
 
-    const QString expectedPath = dir.filePath(u"expected.txt"_s);
     const bool printed = QFile::exists(output);
+    const QByteArray printFile = printed ? readBytes(output) : QByteArray();
+    const bool binary = updating() ? printFile.contains('\x1b') : dir.exists(u"expected.bin"_s);
+    const QString expectedPath = dir.filePath(binary ? u"expected.bin"_s : u"expected.txt"_s);
     if (updating()) {
+        QFile::remove(dir.filePath(binary ? u"expected.txt"_s : u"expected.bin"_s));
         if (printed)
-            expectFile(expectedPath, readBytes(output), false, "print file");
+            expectFile(expectedPath, printFile, false, "print file");
         else
             QFile::remove(expectedPath);
         return;
@@ -123,7 +128,7 @@ TEST_P(Golden, PrintRun)
     ASSERT_EQ(printed, QFile::exists(expectedPath)) << (printed ? "an unexpected print file was written"
                                                                 : "no print file");
     if (printed)
-        expectFile(expectedPath, readBytes(output), false, "print file");
+        expectFile(expectedPath, printFile, false, "print file");
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, Golden, testing::ValuesIn(testsupport::subfolderNames(casesDir)),

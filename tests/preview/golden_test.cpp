@@ -1,6 +1,6 @@
 // Golden pictures: every folder under golden/ holds a request, the settings
-// that differ from the print run's golden defaults, the SVG picture and the
-// list of findings expected for it. GOLDEN_UPDATE=1 rewrites the expected
+// that differ from the print run's golden defaults (@CASE@ is the folder),
+// the SVG picture and the list of findings expected for it. GOLDEN_UPDATE=1 rewrites the expected
 // files; review them with git diff, and once by eye beside the PNG
 // (zentaro-preview --config ... request.xml picture.png).
 #include "findings.h"
@@ -27,7 +27,7 @@ QByteArray configurationFor(const QDir& dir)
 {
     QByteArray conf = readBytes(QStringLiteral(GOLDEN_DEFAULTS));
     conf.insert(conf.indexOf('{') + 1, "\n" + readBytes(dir.filePath(u"settings.conf"_s)));
-    return conf;
+    return conf.replace("@CASE@", dir.path().toLocal8Bit());
 }
 
 void expectFile(const QString& path, const QByteArray& actual)

@@ -25,6 +25,11 @@ std::string dump(const Paper& paper)
                 const char* kinds[] = {"wide", "unprintable", "request", "setting", "notice"};
                 out += std::string(" <") + kinds[int(flag.kind)] + ">";
             }
+            // How an ESC/POS printer prints it.
+            if (row.bold || row.doubleHeight || row.centred || row.image) {
+                out += std::string(" {") + (row.bold ? "b" : "") + (row.doubleHeight ? "2" : "")
+                       + (row.centred ? "c" : "") + (row.image ? "picture" : "") + "}";
+            }
             out += "\n";
         }
         out += section.cut ? "cut\n" : "not cut\n";
@@ -102,6 +107,30 @@ TEST(PrintFile, EachSectionIsReadInItsOwnCodePageAndWidth)
     EXPECT_EQ(dump(paper), "[32]\n|Caffé\nnot cut\n[40]\n|Caffé €\ncut\n");
     EXPECT_EQ(paper.sections[1].method, u"printFullOrderReceipt"_s);
     EXPECT_EQ(paper.sections[1].rows[0].offset, bytes.indexOf("\"Caff\xe9"));
+}
+
+TEST(PrintFile, EscPosCommandsAreReadNotShown)
+{
+    struct Case { const char* name; QByteArray bytes; std::string paper; };
+    const Case cases[] = {
+        {"modes, a picture, the drawer and the cut",
+         "\x1b@\x1bt\x13\x1b" "a\x01\x1dv0\x00\x01\x00\x02\x00\x80\x01" "Cassa\n\x1b" "E\x01\x1d!\x01TOTAL\n"
+         "\x1b" "E\x00\x1d!\x00\x1b" "a\x00" "Caff\x8a\n\x1bp\x00\x19\xfa\x1b" "d\x04\x1dV\x01"_ba,
+         "[40]\n| {cpicture}\n|Cassa {c}\n|TOTAL {b2c}\n|Caffè\n~the cash drawer opens\ncut\n"},
+        {"a command the preview does not know", "\x1b@\x1b-\x01" "a\n"_ba,
+         "[40]\n~command 1B 2D <notice>\n|\x01" "a <unprintable>\nnot cut\n"},
+        {"a picture cut off", "\x1b@\x1dv0\x00\x01\x00\x05\x00\x80"_ba, "[40]\n~command 1D 76 <notice>\nnot cut\n"},
+        {"a page number not on the table", "\x1b@\x1bt\x28" "caf\xe9\n\x1dV\x01"_ba,
+         "[40]\n~ESC t 40: page 40 is not on the usual table; read as ISO-8859-15 <notice>\n|café\ncut\n"},
+        {"a second document after the cut", "\x1b@\x1bt\x02" "caf\x82\n\x1dV\x01\x1b@b\n"_ba,
+         "[40]\n|café\ncut\n[40]\n|b\nnot cut\n"},
+    };
+    for (const Case& c : cases) {
+        SectionSetup setup;
+        setup.paperWidth = 40;
+        setup.codePage = "ISO-8859-15";
+        EXPECT_EQ(dump(readPrintFile(c.bytes, {setup}, u"p.bin"_s)), c.paper) << c.name;
+    }
 }
 
 TEST(PrintFile, FlagsLinesWiderThanThePaper)

@@ -1,4 +1,5 @@
 #include "codepage.h"
+#include "escpos.h"
 #include "testdriver.h"
 
 #include <gtest/gtest.h>
@@ -38,6 +39,22 @@ TEST(CodePage, WritesThePublishedBytes)
             EXPECT_EQ(written, QByteArray(1, char(expected.byte))) << name << " U+" << std::hex << int(expected.character);
         }
         EXPECT_EQ(page.replacements(), 0) << name;
+    }
+}
+
+// A page has its ESC/POS number by any of its usual names; every numbered
+// page can be encoded.
+TEST(CodePage, EscPosNumbersByAnyName)
+{
+    const std::pair<const char*, int> names[] = {
+        {"CP858", 19}, {"IBM00858", 19}, {"ibm858", 19}, {" cp437 ", 0}, {"IBM850", 2}, {"windows-1252", 16},
+        {"CP1252", 16}, {"ISO-8859-7", 15}, {"ISO-8859-15", -1}, {"UTF-8", -1}, {"CP", -1}, {"", -1},
+    };
+    for (const auto& [name, number] : names)
+        EXPECT_EQ(EscPos::codePageNumber(name), number) << name;
+    for (const EscPos::CodePageNumber& page : EscPos::codePageNumbers()) {
+        EXPECT_TRUE(CodePage(page.name).isValid()) << page.name;
+        EXPECT_EQ(EscPos::codePageOfNumber(page.number), page.name);
     }
 }
 

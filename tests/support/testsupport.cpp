@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 void PrintTo(const QString& text, std::ostream* os)
 {
     *os << '"' << text.toStdString() << '"' << (text.isNull() ? " (null)" : "");
@@ -96,6 +98,42 @@ std::string lineDiff(const QByteArray& expected, const QByteArray& actual)
             out += QStringLiteral("+ ") + n + got[i] + QLatin1Char('\n');
     }
     return out.toStdString();
+}
+
+namespace {
+
+bool isBinary(const QByteArray& bytes)
+{
+    return std::any_of(bytes.begin(), bytes.end(),
+                       [](char c) { return uchar(c) < 0x20 && c != '\n' && c != '\r' && c != '\t'; });
+}
+
+QString hexRows(const QByteArray& bytes, qsizetype from, qsizetype to)
+{
+    QString out;
+    for (qsizetype row = from; row < qMin(to, bytes.size()); row += 16) {
+        out += QStringLiteral("%1 ").arg(row, 8, 16, QLatin1Char('0'));
+        for (qsizetype i = row; i < qMin(row + 16, bytes.size()); ++i)
+            out += QStringLiteral(" %1").arg(uchar(bytes[i]), 2, 16, QLatin1Char('0'));
+        out += QLatin1Char('\n');
+    }
+    return out;
+}
+
+} // namespace
+
+std::string byteDiff(const QByteArray& expected, const QByteArray& actual)
+{
+    if (!isBinary(expected) && !isBinary(actual))
+        return lineDiff(expected, actual);
+    qsizetype first = 0;
+    while (first < expected.size() && first < actual.size() && expected[first] == actual[first])
+        ++first;
+    const qsizetype from = qMax<qsizetype>(0, first / 16 * 16 - 32), to = first / 16 * 16 + 48;
+    return QStringLiteral("first difference at byte %1 (expected %2 bytes, actual %3)\n--- expected\n%4+++ actual\n%5")
+        .arg(first).arg(expected.size()).arg(actual.size())
+        .arg(hexRows(expected, from, to), hexRows(actual, from, to))
+        .toStdString();
 }
 
 QByteArray numberedLines(int count)

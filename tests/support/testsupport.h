@@ -49,6 +49,9 @@ private:
 // line end, "^M" for a carriage return): equal lines plain, differing ones
 // marked - (expected) and + (actual).
 std::string lineDiff(const QByteArray& expected, const QByteArray& actual);
+// The bytes around the first difference of two binary files, as hex dumps
+// of 16 bytes a row; lineDiff for text (no byte below a blank but line ends).
+std::string byteDiff(const QByteArray& expected, const QByteArray& actual);
 
 // A print file of `count` lines, each ten times one digit (0, 1, ... 9, 0,
 // ...) and a line end: 11 bytes a line.

@@ -118,6 +118,19 @@ INSTANTIATE_TEST_SUITE_P(
         RunCase{"device_full", {F, u"/dev/full"_s}, 3,
                 "cannot write to /dev/full after 0 lines (0 bytes): No space left on device"}));
 
+TEST_F(SendTest, EscPosBytesGoUnchanged)
+{
+    // A printer's reset, a raster picture holding every byte value (NUL and
+    // line feeds among them) in one run longer than a read, the drawer, the cut.
+    QByteArray bytes = "\x1b@\x1bt\x13\x1dv0\x00\x20\x00\x08\x00"_ba;
+    for (int i = 0; i < 256; ++i)
+        bytes += char(i);
+    bytes += "TOTAL\n\x1bp\x00\x19\xfa\x1b" "d\x04\x1dV\x01"_ba;
+    ASSERT_TRUE(writeBytes(path("receipt.bin"), bytes.toStdString()));
+    EXPECT_EQ(send({u"receipt.bin"_s, D}).status, 0);
+    EXPECT_EQ(readBytes(path("lp0")), bytes);
+}
+
 TEST_F(SendTest, MissingConfigurationIsAWarningOnStandardError)
 {
     ASSERT_TRUE(QFile::remove(configuration));
