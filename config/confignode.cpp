@@ -70,11 +70,6 @@ qsizetype ConfigNode::scanFor(QStringView name) const
     return -1;
 }
 
-bool ConfigNode::hasAttribute(const QString& name) const
-{
-    return indexOf(name) >= 0;
-}
-
 QString ConfigNode::attribute(const QString& name) const
 {
     const qsizetype at = indexOf(name);

@@ -26,7 +26,6 @@ public:
     const QString& tagName() const;
 
     const QList<std::pair<QString, QString>>& attributes() const;
-    bool hasAttribute(const QString& name) const;
     QString attribute(const QString& name) const;
     QString attribute(QStringView name) const;
     // A name set twice keeps its first position and takes the later value.

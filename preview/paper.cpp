@@ -6,14 +6,6 @@ using namespace Qt::StringLiterals;
 
 namespace preview {
 
-qsizetype Paper::rowCount() const
-{
-    qsizetype count = 0;
-    for (const Section& section : sections)
-        count += qsizetype(section.rows.size());
-    return count;
-}
-
 bool Paper::isFlagged() const
 {
     if (!unplaced.empty())

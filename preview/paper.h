@@ -94,7 +94,6 @@ struct Paper
     // Findings with no printed line to point at (a request that prints nothing).
     std::vector<Flag> unplaced;
 
-    qsizetype rowCount() const;
     bool isFlagged() const;
     // The first row that starts at or after `offset` in the print file; else
     // the last row; null when nothing is printed.

@@ -16,21 +16,23 @@ class EscPosPrinterDriver : public CompanyPrinterDriver
 public:
     EscPosPrinterDriver(QIODevice& device, const ZTConfiguration& configuration);
 
+    // Print modes: kept, and sent before the next line when they change.
     void setBold() override;
     void setCharSize() override;
     void setCharSize(int size) override;
     void setCenterJustify() override;
-    void fullCut() override;
+
+    // The paper and the drawer.
+    void printLogo() override;
     void generatePulse() override;
+    void fullCut() override;
+
+    // Sections and their lines.
     void startSection() override;
     void endSection() override;
     void print(unsigned int indent, const QString& text) override;
     void println(unsigned int indent, const QString& text) override;
     void println(const QString& text) override;
-    void printLogo() override;
-
-    // Whether the document in force is written in ESC/POS.
-    bool writesEscPos() const { return escPos; }
 
 private:
     struct Modes

@@ -39,7 +39,7 @@ PrinterDriver::PrinterDriver(QIODevice& device, const ZTConfiguration& configura
     // out of memory has nothing to allocate.
     if (file->isOpen() || file->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         stream = std::make_unique<TextOutput>(file, *codePage);
-    else
+    else // the suite's exact words, naming a function of the suite's, not of ours
         printDiagnostic({"PrintManager::printAbstractOrder(...): Unable To Open File"});
 }
 

@@ -25,7 +25,7 @@ class ZTConfiguration;
 // driver, including state this renderer only stores (the printer's
 // charsize, ipaddress and port, the credit, paperRows), so that code written
 // against it reads the same. The suite's document methods
-// (printFullOrderReceipt, ...) are the entries of the document table.
+// are the entries of the document table.
 class PrinterDriver : public XmlContentHandler
 {
     Q_DECLARE_TR_FUNCTIONS(PrinterDriver)
