@@ -257,9 +257,9 @@ int main(int argc, char** argv)
         "Limits: input larger than "_s + QString::number(largestInput >> 20)
         + " MiB is refused. PNG pages are at most "_L1 + QString::number(preview::PageBounds().height)
         + " pixels tall and "_L1 + QString::number(preview::PageBounds().pixels / 1'000'000)
-        + " million pixels large (wide paper gives shorter pages); after "_L1
+        + " million pixels large\n(wide paper gives shorter pages); after "_L1
         + QString::number(preview::PageBounds().pages)
-        + " pages the picture stops, and standard error and its last page say which printed lines are left out."_L1);
+        + " pages the picture stops, and standard error and\nits last page say which printed lines are left out."_L1);
     const Options options;
     parser.addOptions({options.config, options.width, options.codePage});
     addHelpAndVersion(parser);
