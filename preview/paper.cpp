@@ -68,13 +68,20 @@ void flagWideRows(Paper& paper)
     }
 }
 
-QChar shownCharacter(QChar c)
+QString shownText(QString text)
 {
-    if (c.unicode() < 0x20)
-        return QChar(0x2400 + c.unicode());
-    if (c.unicode() == 0x7f)
-        return QChar(0x2421);
-    return c;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text.at(i).unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+            ++i;
+        else if (c < 0x20)
+            text[i] = QChar(0x2400 + c);
+        else if (c == 0x7f)
+            text[i] = QChar(0x2421);
+        else if (QChar::isSurrogate(c) || c == 0xfffe || c == 0xffff)
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
 }
 
 } // namespace preview

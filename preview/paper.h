@@ -108,8 +108,10 @@ struct Paper
 // characters as the printer does.
 void flagWideRows(Paper& paper);
 
-// A character for the picture: control characters, which must not reach
-// the picture's text, are shown as their control pictures (U+2400 on).
-QChar shownCharacter(QChar c);
+// A text for the picture, of the same length: control characters are shown
+// as their control pictures (U+2400 on), and the characters no XML text can
+// hold (unpaired surrogates, U+FFFE, U+FFFF) as the replacement character
+// U+FFFD, so that the SVG and HTML pictures stay readable.
+QString shownText(QString text);
 
 } // namespace preview

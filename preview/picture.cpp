@@ -25,12 +25,9 @@ qsizetype drawnLength(const QString& text)
 // widest line drawn.
 QString shown(const QString& text)
 {
-    QString copy = printedLength(text) > widestDrawnLine
-                       ? printedLeft(text, widestDrawnLine - 1).toString() + u'\u2026'
-                       : text;
-    for (QChar& c : copy)
-        c = shownCharacter(c);
-    return copy;
+    return shownText(printedLength(text) > widestDrawnLine
+                         ? printedLeft(text, widestDrawnLine - 1).toString() + u'\u2026'
+                         : text);
 }
 
 } // namespace

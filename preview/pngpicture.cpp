@@ -146,32 +146,64 @@ QString pageFileName(const QString& path, int number)
     return path.first(end) + u'-' + QString::number(number) + path.sliced(end);
 }
 
-QStringList writePngPages(const Paper& paper, const QString& path, QString* error, int largestHeight)
+namespace {
+
+// What the pages after the first `drawn` of `pages` would have shown.
+QString leftOutText(const std::vector<std::vector<Band>>& pages, std::size_t drawn)
+{
+    qsizetype first = 0, last = 0;
+    for (std::size_t i = drawn; i < pages.size(); ++i) {
+        for (const Band& band : pages[i]) {
+            if (band.kind == Band::Kind::Row) {
+                first = first ? first : band.number;
+                last = band.number;
+            }
+        }
+    }
+    QString text = u"the PNG picture stops after page %1 of %2"_s.arg(drawn).arg(pages.size());
+    if (first)
+        text += u": printed lines %1 to %2 are left out"_s.arg(first).arg(last);
+    return text;
+}
+
+} // namespace
+
+PngPages writePngPages(const Paper& paper, const QString& path, const PageBounds& bounds)
 {
     const QFont font = gridFont();
     const Picture picture(paper, pngMetrics());
-    const std::vector<std::vector<Band>> pages = picture.pages(largestHeight);
-    QStringList written;
-    for (std::size_t i = 0; i < pages.size(); ++i) {
+    const int height = int(qMin<qint64>(bounds.height, bounds.pixels / picture.width()));
+    const std::vector<std::vector<Band>> pages = picture.pages(height);
+    const std::size_t drawn = qMin(pages.size(), std::size_t(qMax(bounds.pages, 1)));
+    PngPages result;
+    if (drawn < pages.size())
+        result.leftOut = leftOutText(pages, drawn);
+    for (std::size_t i = 0; i < drawn; ++i) {
         // One page at a time: the image of the last is gone before the next is made.
         QImage image(picture.width(), picture.height(pages[i]), QImage::Format_RGB32);
         if (image.isNull()) {
-            *error = u"out of memory for a page of the picture"_s;
-            return written;
+            result.error = u"out of memory for a page of the picture"_s;
+            return result;
         }
         {
             QPainter painter(&image);
             PainterCanvas canvas(painter, font);
             picture.draw(canvas, pages[i], int(i) + 1, int(pages.size()));
+            // The title's second line is free for the note.
+            if (i + 1 == drawn && !result.leftOut.isEmpty()) {
+                const Metrics& grid = picture.metrics();
+                canvas.text(picture.textLeft(), picture.top(pages[i], 0) + grid.rowHeight + grid.baseline,
+                            result.leftOut, Canvas::Ink::Note, result.leftOut.size());
+            }
         }
         const QString name = pageFileName(path, int(i) + 1);
-        if (!writePng(image.convertToFormat(QImage::Format_RGB888), name, error))
-            return written;
-        written << name;
+        if (!writePng(image.convertToFormat(QImage::Format_RGB888), name, &result.error))
+            return result;
+        result.written << name;
     }
-    for (int stale = int(pages.size()) + 1; QFile::exists(pageFileName(path, stale)); ++stale)
+    for (int stale = int(drawn) + 1; QFile::exists(pageFileName(path, stale)); ++stale)
         QFile::remove(pageFileName(path, stale));
-    return written;
+    return result;
 }
 
 } // namespace preview

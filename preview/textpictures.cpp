@@ -14,13 +14,13 @@ QString escaped(const QString& text)
 {
     QString out;
     out.reserve(text.size());
-    for (QChar c : text) {
+    for (QChar c : shownText(text)) {
         switch (c.unicode()) {
         case u'&': out += "&amp;"_L1; break;
         case u'<': out += "&lt;"_L1; break;
         case u'>': out += "&gt;"_L1; break;
         case u'"': out += "&quot;"_L1; break;
-        default: out += shownCharacter(c);
+        default: out += c;
         }
     }
     return out;

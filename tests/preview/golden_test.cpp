@@ -1,8 +1,9 @@
-// Golden pictures: every folder under golden/ holds a request, the settings
-// that differ from the print run's golden defaults (@CASE@ is the folder),
-// the SVG picture and the list of findings expected for it. GOLDEN_UPDATE=1 rewrites the expected
-// files; review them with git diff, and once by eye beside the PNG
-// (zentaro-preview --config ... request.xml picture.png).
+// Golden pictures: every folder under golden/ holds a request (or a print
+// file, print.txt), the settings that differ from the print run's golden
+// defaults (@CASE@ is the folder), the SVG picture and the list of findings expected for it.
+// GOLDEN_UPDATE=1 rewrites the expected files; review them with git diff,
+// and once by eye beside the PNG (zentaro-preview --config ... request.xml
+// picture.png).
 #include "findings.h"
 #include "preview.h"
 #include "textpictures.h"
@@ -50,9 +51,10 @@ TEST_P(GoldenPicture, Svg)
     const auto configuration = ZTConfiguration::fromText(configurationFor(dir));
     preview::PreviewSettings settings;
     settings.configuration = configuration.get();
-    const QByteArray request = readBytes(dir.filePath(u"request.xml"_s));
-    ASSERT_FALSE(request.isEmpty());
-    const preview::Paper paper = preview::previewInput(request, u"request.xml"_s, settings);
+    const QString input = dir.exists(u"print.txt"_s) ? u"print.txt"_s : u"request.xml"_s;
+    const QByteArray bytes = readBytes(dir.filePath(input));
+    ASSERT_FALSE(bytes.isEmpty());
+    const preview::Paper paper = preview::previewInput(bytes, input, settings);
 
     expectFile(dir.filePath(u"expected.svg"_s), preview::svgPicture(paper));
     expectFile(dir.filePath(u"expected.txt"_s), preview::findingLines(paper).join(u'\n').toUtf8() + '\n');

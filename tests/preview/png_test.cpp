@@ -32,9 +32,8 @@ Paper paperOf(int width, int lines, int length = 10)
 QImage pictureOf(const Paper& paper)
 {
     QTemporaryDir dir;
-    QString error;
-    const QStringList pages = writePngPages(paper, dir.filePath(u"p.png"_s), &error);
-    EXPECT_EQ(pages.size(), 1) << error.toStdString();
+    const PngPages pages = writePngPages(paper, dir.filePath(u"p.png"_s));
+    EXPECT_EQ(pages.written.size(), 1) << pages.error.toStdString();
     return QImage(dir.filePath(u"p.png"_s));
 }
 
@@ -90,28 +89,29 @@ TEST(Png, TheMarginOfAFlaggedLineIsColoured)
               QColor::fromString(colourOf(Canvas::Ink::Overflow)));
 }
 
-TEST(Png, ALongPaperIsCutIntoPagesOfBoundedHeight)
+TEST(Png, ALongPaperIsCutIntoBoundedPages)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(u"long.png"_s);
     // Pages left by an earlier, longer picture of the same name go.
     for (int stale = 2; stale <= 20; ++stale)
         QImage(1, 1, QImage::Format_RGB32).save(pageFileName(path, stale));
-    QString error;
-    const QStringList pages = writePngPages(paperOf(40, 200), path, &error, 1000);
-    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
-    ASSERT_GE(pages.size(), 4);
-    EXPECT_EQ(pages.first(), path);
-    EXPECT_EQ(pages.at(1), dir.filePath(u"long-2.png"_s));
-    int rows = 0;
-    for (const QString& page : pages) {
-        const QImage image(page);
-        ASSERT_FALSE(image.isNull()) << page.toStdString();
-        EXPECT_LE(image.height(), 1000);
-        rows += image.height();
+    // By height alone, then shorter for their pixels and stopped after three.
+    for (const PageBounds bounds : {PageBounds{1000}, PageBounds{1000, 300'000, 3}}) {
+        const PngPages pages = writePngPages(paperOf(40, 200), path, bounds);
+        ASSERT_TRUE(pages.error.isEmpty()) << pages.error.toStdString();
+        ASSERT_GE(pages.written.size(), 3);
+        EXPECT_EQ(pages.written.at(1), dir.filePath(u"long-2.png"_s));
+        int rows = 0;
+        for (const QString& page : pages.written) {
+            const QImage image(page);
+            EXPECT_LE(image.height(), 1000) << page.toStdString();
+            EXPECT_LE(image.width() * image.height(), bounds.pixels) << page.toStdString();
+            rows += image.height();
+        }
+        EXPECT_EQ(rows > 200 * pngMetrics().rowHeight, pages.leftOut.isEmpty()) << pages.leftOut.toStdString();
+        EXPECT_FALSE(QFile::exists(pageFileName(path, int(pages.written.size()) + 1)));
     }
-    EXPECT_GT(rows, 200 * pngMetrics().rowHeight);
-    EXPECT_FALSE(QFile::exists(pageFileName(path, int(pages.size()) + 1)));
     EXPECT_FALSE(QFile::exists(pageFileName(path, 20)));
     EXPECT_EQ(pageFileName(u"out/a.b/receipt"_s, 3), u"out/a.b/receipt-3"_s);
 }

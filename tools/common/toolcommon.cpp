@@ -3,8 +3,11 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -63,6 +66,13 @@ std::optional<unsigned> wholeNumber(const QCommandLineParser& parser, const QCom
     else if (minimum != 0)
         *error += " of "_L1 + QString::number(minimum) + " or more"_L1;
     return std::nullopt;
+}
+
+bool sameFile(const QString& first, const QString& second)
+{
+    struct stat a{}, b{};
+    return ::stat(QFile::encodeName(first).constData(), &a) == 0
+        && ::stat(QFile::encodeName(second).constData(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
 bool displayAvailable()

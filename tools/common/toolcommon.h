@@ -42,6 +42,9 @@ std::optional<int> answerHelpOrVersion(const QCommandLineParser& parser);
 std::optional<unsigned> wholeNumber(const QCommandLineParser& parser, const QCommandLineOption& option,
                                     QString* error, unsigned minimum = 0, unsigned maximum = 0xffffffffu);
 
+// Whether two paths name one file, through symbolic and hard links alike.
+bool sameFile(const QString& first, const QString& second);
+
 // Whether a window would be seen by someone. The offscreen and minimal
 // platforms draw nowhere; without them, a display is a platform chosen by
 // QT_QPA_PLATFORM, or an X or Wayland display in DISPLAY or WAYLAND_DISPLAY.

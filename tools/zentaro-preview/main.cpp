@@ -3,7 +3,8 @@
 // Draws what a print request (rendered as the print run renders it) or a
 // print file puts on paper, as PNG, SVG or HTML, and lists what is wrong
 // with it, one line each. Exit status: 0 when nothing was flagged, 1 when
-// something was, 2 for a wrong command line or input that cannot be read.
+// something was, 2 for a wrong command line, input that cannot be read or
+// output that cannot be written.
 
 #include "diagnostics.h"
 #include "findings.h"
@@ -21,9 +22,15 @@
 #include <QGuiApplication>
 #include <QTranslator>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <optional>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +41,10 @@ namespace {
 constexpr int nothingFlagged = exitSuccess;
 constexpr int somethingFlagged = 1;
 constexpr int failed = exitUsage;
+
+// Larger input is refused: the print file of a request of tens of
+// thousands of items is a few megabytes, and reading /dev/zero must end.
+constexpr qsizetype largestInput = 64 * 1024 * 1024;
 
 int fail(const QString& message)
 {
@@ -110,20 +121,26 @@ std::optional<Request> readRequest(const QCommandLineParser& parser, const Optio
 std::optional<QByteArray> readInput(const QString& path, QString* error)
 {
     QFile file;
-    if (path == "-"_L1) {
-        if (!file.open(stdin, QIODevice::ReadOnly)) {
-            *error = u"cannot read standard input"_s;
-            return std::nullopt;
-        }
-    } else {
-        file.setFileName(path);
-        if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly)) {
-            *error = "cannot read "_L1 + path + ": "_L1
-                     + (QFileInfo(path).isDir() ? u"it is a folder"_s : file.errorString());
-            return std::nullopt;
-        }
+    const QString name = path == "-"_L1 ? u"standard input"_s : path;
+    if (QFileInfo(path).isDir() && path != "-"_L1) {
+        *error = "cannot read "_L1 + name + ": it is a folder"_L1;
+        return std::nullopt;
     }
-    return file.readAll();
+    const bool opened = path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly)
+                                       : (file.setFileName(path), file.open(QIODevice::ReadOnly));
+    QByteArray bytes;
+    for (QByteArray chunk; opened && bytes.size() <= largestInput && !(chunk = file.read(1 << 20)).isEmpty();)
+        bytes += chunk;
+    if (!opened || file.error() != QFileDevice::NoError) {
+        *error = "cannot read "_L1 + name + ": "_L1 + file.errorString();
+        return std::nullopt;
+    }
+    if (bytes.size() > largestInput) {
+        *error = "cannot read "_L1 + name + ": larger than "_L1 + QString::number(largestInput >> 20)
+                 + " MiB, the most the preview reads"_L1;
+        return std::nullopt;
+    }
+    return bytes;
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
@@ -132,7 +149,7 @@ bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
     const bool opened = path == "-"_L1 ? file.open(stdout, QIODevice::WriteOnly)
                                        : (file.setFileName(path), file.open(QIODevice::WriteOnly));
     if (!opened || file.write(bytes) != bytes.size() || !file.flush()) {
-        *error = "cannot write "_L1 + path + ": "_L1 + file.errorString();
+        *error = "cannot write "_L1 + (path == "-"_L1 ? u"standard output"_s : path) + ": "_L1 + file.errorString();
         return false;
     }
     return true;
@@ -140,6 +157,8 @@ bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
 
 int run(const Request& request)
 {
+    if (request.input != "-"_L1 && request.output != "-"_L1 && sameFile(request.input, request.output))
+        return fail("INPUT and OUTPUT are the same file, nothing was written: "_L1 + request.output);
     QString error;
     const std::optional<QByteArray> input = readInput(request.input, &error);
     if (!input)
@@ -173,9 +192,14 @@ int run(const Request& request)
 
     bool written = true;
     switch (request.format) {
-    case Format::Png:
-        written = !preview::writePngPages(paper, request.output, &error).isEmpty() && error.isEmpty();
+    case Format::Png: {
+        const preview::PngPages pages = preview::writePngPages(paper, request.output);
+        error = pages.error;
+        written = !pages.written.isEmpty() && error.isEmpty();
+        if (written && !pages.leftOut.isEmpty())
+            printError(pages.leftOut);
         break;
+    }
     case Format::Svg:
         written = writeFile(request.output, preview::svgPicture(paper), &error);
         break;
@@ -188,8 +212,11 @@ int run(const Request& request)
 
     // With the picture on standard output, the findings go beside it.
     std::FILE* list = request.output == "-"_L1 ? stderr : stdout;
+    errno = 0;
     for (const QString& line : preview::findingLines(paper))
         std::fprintf(list, "%s\n", line.toLocal8Bit().constData());
+    if (std::fflush(list) != 0 || std::ferror(list))
+        return fail("cannot write the findings: "_L1 + QString::fromLocal8Bit(std::strerror(errno ? errno : EIO)));
     return paper.isFlagged() ? somethingFlagged : nothingFlagged;
 }
 
@@ -205,6 +232,13 @@ void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& m
 
 int main(int argc, char** argv)
 {
+    // A reader that has gone away is a failed write to report, not a
+    // silent end; a closed standard output is held by /dev/null, opened for
+    // reading, so that no file the program opens takes its place and
+    // writing to it fails as it should.
+    std::signal(SIGPIPE, SIG_IGN);
+    if (::fcntl(STDOUT_FILENO, F_GETFD) < 0)
+        ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDOUT_FILENO);
     qInstallMessageHandler(quietQtMessages);
     setProgram("zentaro-preview", ZENTARO_VERSION);
     QStringList arguments;
@@ -219,7 +253,13 @@ int main(int argc, char** argv)
         "- writes SVG to standard output and the list to standard error.\n"
         "Flagged: lines wider than the paper, characters the code page lacks, request elements and attributes\n"
         "the document does not read or that come before its method element, settings read as 0 or false\n"
-        "from other text. Exit status: 0 nothing flagged, 1 something flagged, 2 usage or input errors."_s);
+        "from other text. Exit status: 0 nothing flagged, 1 something flagged, 2 usage, input or output errors.\n"
+        "Limits: input larger than "_s + QString::number(largestInput >> 20)
+        + " MiB is refused. PNG pages are at most "_L1 + QString::number(preview::PageBounds().height)
+        + " pixels tall and "_L1 + QString::number(preview::PageBounds().pixels / 1'000'000)
+        + " million pixels large\n(wide paper gives shorter pages); after "_L1
+        + QString::number(preview::PageBounds().pages)
+        + " pages the picture stops, and standard error and\nits last page say which printed lines are left out."_L1);
     const Options options;
     parser.addOptions({options.config, options.width, options.codePage});
     addHelpAndVersion(parser);

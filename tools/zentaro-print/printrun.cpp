@@ -19,7 +19,6 @@
 #include <optional>
 #include <vector>
 
-#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -57,14 +56,6 @@ void printUsageLine(const char* program)
 bool isStandardStream(const char* name)
 {
     return std::strcmp(name, "-") == 0;
-}
-
-// Whether two paths name one file, through links and hard links alike.
-bool sameFile(const char* first, const char* second)
-{
-    struct stat a, b;
-    return ::stat(first, &a) == 0 && ::stat(second, &b) == 0 && a.st_dev == b.st_dev
-        && a.st_ino == b.st_ino;
 }
 
 // Reads the options before the file names; the status to exit with when the
@@ -221,7 +212,7 @@ int compile(int argc, char** argv)
     if (isStandardStream(invocation.printFile))
         setDiagnosticStream(stderr);
     StrictReport report(invocation.strict);
-    if (!isStandardStream(invocation.request) && sameFile(invocation.request, invocation.printFile)) {
+    if (!isStandardStream(invocation.request) && sameFile(QString::fromLocal8Bit(invocation.request), QString::fromLocal8Bit(invocation.printFile))) {
         printDiagnostic({"The output file is the input file, nothing was written: ", invocation.printFile});
         report.fault(u"the print file is the request, nothing was written"_s);
         return report.status();

@@ -226,15 +226,6 @@ unsigned copiesToSend(const Request& request, const ZTConfiguration* configurati
     return ok ? configured : 1;
 }
 
-// Whether two names are one file, through links too.
-bool sameFile(const QString& a, const QString& b)
-{
-    struct stat first{}, second{};
-    return ::stat(QFile::encodeName(a).constData(), &first) == 0
-        && ::stat(QFile::encodeName(b).constData(), &second) == 0 && first.st_dev == second.st_dev
-        && first.st_ino == second.st_ino;
-}
-
 std::optional<QByteArray> readPrintFile(const QString& path)
 {
     QFile file(path);
