@@ -73,9 +73,8 @@ struct Options
                                     u"Lines of a page for --page; 0 sends the whole file."_s, u"N"_s};
     QCommandLineOption copies{u"copies"_s, u"Send N copies (default 1)."_s, u"N"_s};
     QCommandLineOption copiesOf{u"copies-of"_s,
-                                u"Send as many copies as the configuration sets for the document type TYPE "
-                                "(order, prefiscal, fiscal, receipt, invoice, delivery, report); 1 when it "
-                                "sets none."_s,
+                                u"Send as many copies as the configuration sets for the document type TYPE ("_s
+                                    + DocumentTypes::names() + "); 1 when it sets none."_L1,
                                 u"TYPE"_s};
     QCommandLineOption textPrompt{u"text-prompt"_s,
                                   u"Ask for a new sheet on the terminal even when a display is available."_s};
