@@ -8,40 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Byte
-{
-    char16_t character;
-    unsigned char byte;
-};
-
-// Bytes from the published tables of each code page.
-TEST(CodePage, WritesThePublishedBytes)
-{
-    const std::pair<const char*, std::vector<Byte>> tables[] = {
-        {"CP437", {{u'é', 0x82}, {u'è', 0x8a}, {u'à', 0x85}, {u'ù', 0x97}, {u'ü', 0x81}, {u'ö', 0x94},
-                   {u'ä', 0x84}, {u'ß', 0xe1}, {u'ç', 0x87}, {u'ê', 0x88}, {u'Ä', 0x8e}, {u'Ü', 0x9a},
-                   {u'£', 0x9c}, {u'Æ', 0x92}}},
-        {"IBM850", {{u'é', 0x82}, {u'è', 0x8a}, {u'à', 0x85}, {u'ù', 0x97}, {u'ü', 0x81}, {u'ß', 0xe1},
-                    {u'Ø', 0x9d}, {u'ø', 0x9b}, {u'£', 0x9c}, {u'ı', 0xd5}, {u'Ì', 0xde}}},
-        {"CP858", {{u'é', 0x82}, {u'Ø', 0x9d}, {u'ø', 0x9b}, {u'€', 0xd5}}},
-        {"ISO-8859-15", {{u'é', 0xe9}, {u'è', 0xe8}, {u'ü', 0xfc}, {u'ß', 0xdf}, {u'€', 0xa4},
-                         {u'Œ', 0xbc}, {u'œ', 0xbd}, {u'Š', 0xa6}}},
-        {"windows-1252", {{u'€', 0x80}, {u'‚', 0x82}, {u'„', 0x84}, {u'…', 0x85}, {u'‘', 0x91},
-                          {u'’', 0x92}, {u'“', 0x93}, {u'”', 0x94}, {u'–', 0x96}, {u'—', 0x97},
-                          {u'œ', 0x9c}, {u'é', 0xe9}}},
-    };
-    for (const auto& [name, bytes] : tables) {
-        CodePage page{QByteArray(name)};
-        ASSERT_TRUE(page.isValid()) << name;
-        for (const Byte& expected : bytes) {
-            const QString printed = page.printable(QStringView(&expected.character, 1));
-            const QByteArray written = page.encoder().encode(printed);
-            EXPECT_EQ(written, QByteArray(1, char(expected.byte))) << name << " U+" << std::hex << int(expected.character);
-        }
-        EXPECT_EQ(page.replacements(), 0) << name;
-    }
-}
-
 // A page has its ESC/POS number by any of its usual names; every numbered
 // page can be encoded.
 TEST(CodePage, EscPosNumbersByAnyName)
