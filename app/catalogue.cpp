@@ -213,10 +213,11 @@ CatalogueLoad loadTranslation(QTranslator& translator, const ZTConfiguration& co
     // "/" as the file asks for the catalogue of the system locale in the base
     // folder; any other value is joined to the base as it stands. Without a
     // catalogue the labels stay English.
+    // Without a file no catalogue is named, whatever the folder.
+    if (file.isEmpty())
+        return CatalogueLoad::NoneNamed;
     const bool byLocale = file == "/"_L1;
     const QString name = byLocale ? base + "/zentaro_"_L1 + QLocale::system().name() : base + file;
-    if (name.isEmpty())
-        return CatalogueLoad::NoneNamed;
     const CatalogueLoad load = loadCatalogue(translator, name, byLocale ? u"."_s : QString());
     if (load != CatalogueLoad::Missing)
         return load;
