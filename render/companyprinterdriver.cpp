@@ -142,13 +142,28 @@ void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
 {
     if (indent)
         line.resize(line.size() + qsizetype(indent), u' ');
-    line.append(printedText(text));
+    QString storage;
+    line.append(printedText(text, storage));
 }
 
-QString CompanyPrinterDriver::printedText(const QString& text) const
+QStringView CompanyPrinterDriver::printedText(const QString& text, QString& storage) const
 {
-    QString printed = printableLine(withoutReservedWord(text));
-    return settings.safeText ? withoutQuotes(std::move(printed)) : printed;
+    // Most lines need none of the changes: they go out as they are, not
+    // copied.
+    const QString* printed = &text;
+    if (containsTotale(text)) {
+        storage = withoutReservedWord(text);
+        printed = &storage;
+    }
+    if (!printsAsItStands(*printed)) {
+        storage = printable(*printed);
+        printed = &storage;
+    }
+    if (settings.safeText && printed->contains(u'"')) {
+        storage = withoutQuotes(*printed);
+        printed = &storage;
+    }
+    return *printed;
 }
 
 void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
@@ -169,7 +184,8 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
                 write(blanks);
             write(blanks.first(indent));
         }
-        write(printedText(text));
+        QString storage;
+        write(printedText(text, storage));
         write(lineClose);
     }
     line = quote;

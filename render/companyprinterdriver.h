@@ -32,8 +32,9 @@ public:
 
 private:
     void write(QStringView text);
-    // Text as it goes between the quotes of a printed line.
-    QString printedText(const QString& text) const;
+    // Text as it goes between the quotes of a printed line: `text` itself,
+    // or `storage` holding it changed.
+    QStringView printedText(const QString& text, QString& storage) const;
     void writeFiscalItem(const QString& department, const QString& quantity,
                          const QString& description, const QString& price);
 

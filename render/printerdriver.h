@@ -115,11 +115,11 @@ public:
     // Text as the printer of the document in force prints it (see CodePage).
     QString printable(QStringView text) const;
     QString printable(const QString& text) const;
-    // The same for a line about to be printed: a row descriptionRow just
-    // built is printable already and is not read again.
-    QString printableLine(const QString& text) const
+    // Whether `text` prints as it stands: a row descriptionRow just built is
+    // printable already and is not read again.
+    bool printsAsItStands(const QString& text) const
     {
-        return text.constData() == rowBuffer.constData() ? text : printable(text);
+        return text.constData() == rowBuffer.constData() || !codePage->needsPreparing(text);
     }
     const CodePage& codePageInForce() const { return *codePage; }
     // Text made printable and padded to `width` printed characters, with
