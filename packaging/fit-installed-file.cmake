@@ -10,8 +10,13 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" OR NOT fit_datarootdir STREQUAL "sha
     "${CMAKE_INSTALL_PREFIX}/${fit_datarootdir}/\\1" text "${text}")
 endif()
 string(REGEX REPLACE "^(\\.TH [^\n]*\"zentaro )[^\"]*\"" "\\1${fit_version}\"" text "${text}")
+# Installs into different places may run at once (a staged install beside a
+# package build): each fits its files in a folder of its own.
 get_filename_component(fit_folder "${fit_work}" DIRECTORY)
-file(MAKE_DIRECTORY "${fit_folder}")
+get_filename_component(fit_name "${fit_work}" NAME)
+string(MD5 fit_place "$ENV{DESTDIR}|${CMAKE_INSTALL_PREFIX}")
+set(fit_work "${fit_folder}/${fit_place}/${fit_name}")
+file(MAKE_DIRECTORY "${fit_folder}/${fit_place}")
 file(WRITE "${fit_work}" "${text}")
 if(fit_gzip)
   # -n: no name or time stamp inside, so that packages come out the same
