@@ -5,7 +5,11 @@
 
 std::vector<QByteArrayView> splitLines(const QByteArray& text)
 {
-    constexpr qsizetype longest = 127;
+    // The suite's printer takes lines of at most 127 bytes; an ESC/POS file
+    // (it starts by resetting the printer, ESC @) is counted in its own
+    // LF-ended lines, so that a logo's image is never taken apart.
+    const bool escPos = text.startsWith("\x1b@");
+    const qsizetype longest = escPos ? text.size() : 127;
     std::vector<QByteArrayView> lines;
     for (qsizetype start = 0; start < text.size();) {
         const qsizetype end = text.indexOf('\n', start);

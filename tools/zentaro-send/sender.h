@@ -26,7 +26,8 @@ struct Paging
 };
 
 // The pieces a print file is sent in: a line with its line end, or up to
-// 127 bytes of a longer one, as the printers' line buffers take them.
+// 127 bytes of a longer one, as the printers' line buffers take them; an
+// ESC/POS file in its LF-ended lines, whatever their length.
 std::vector<QByteArrayView> splitLines(const QByteArray& text);
 
 // The lines of the page asked for; nothing when the file ends before it.
