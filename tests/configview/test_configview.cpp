@@ -7,7 +7,6 @@
 #include "testsupport.h"
 #include "ztconfiguration.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -220,12 +219,3 @@ INSTANTIATE_TEST_SUITE_P(Cases, UnchangedView,
                          [](const testing::TestParamInfo<std::string>& info) { return info.param; });
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    // The views are built and edited without a display.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

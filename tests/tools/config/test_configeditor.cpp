@@ -121,11 +121,3 @@ TEST_F(Editor, RefusesAValueItsKeyCannotHoldAndLeavesTheFile)
 }
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
