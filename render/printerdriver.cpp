@@ -12,17 +12,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// The type a request or the suite names, or null; the names of types are
-// matched in any case.
-const DocumentType* knownType(const QString& type)
-{
-    return DocumentTypes::find(type);
-}
-
-} // namespace
-
 PrinterDriver::PrinterDriver(QIODevice& device, const ZTConfiguration& configuration)
     : config(&configuration), currentMethod(emptyText()), file(&device)
 {
@@ -86,7 +75,7 @@ bool PrinterDriver::printDuplicate()
 
 QString PrinterDriver::documentPath(const QString& type)
 {
-    if (const DocumentType* known = knownType(type))
+    if (const DocumentType* known = DocumentTypes::find(type))
         return known->prefix;
     // The name is shown as a C string: it ends at its first NUL.
     const QByteArray shown = type.toLower().toLocal8Bit();
@@ -98,7 +87,7 @@ QString PrinterDriver::documentPath(const QString& type)
 void PrinterDriver::loadValues(const QString& type)
 {
     docPath = documentPath(type);
-    const DocumentType* known = knownType(type);
+    const DocumentType* known = DocumentTypes::find(type);
     settings = readDocumentSettings(*config, known ? *known : DocumentTypes::prefiscal, &misread);
     chooseCodePage(settings.codePage);
 }

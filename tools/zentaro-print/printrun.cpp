@@ -17,8 +17,6 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <vector>
-
 
 using namespace Qt::StringLiterals;
 
