@@ -11,13 +11,31 @@
 // Most text of a print run is ASCII: requests are read from UTF-8 into
 // UTF-16, and print files written back from it into one byte a character.
 // These copy and test sixteen characters at a time where the processor has
-// the registers for it (every x86-64 has), and leave the rest to the
-// caller's own loop.
+// the registers for it (every x86-64 has). Request texts are short (a
+// price, a dish's name): a text that does not fill whole blocks ends with
+// one more block laid over the end of the one before, rather than with a
+// loop over its last characters.
 namespace AsciiBlocks {
 
-#if defined(__SSE2__)
 namespace Detail {
 
+inline qsizetype widenTail(const char* in, qsizetype i, qsizetype length, char16_t* out, bool blankControls)
+{
+    for (; i < length && static_cast<unsigned char>(in[i]) < 0x80; ++i) {
+        const char16_t c = char16_t(in[i]);
+        out[i] = blankControls && (c < 0x20 || c == 0x7f) ? u' ' : c;
+    }
+    return i;
+}
+
+inline qsizetype narrowTail(const char16_t* in, qsizetype i, qsizetype length, char* out)
+{
+    for (; i < length && in[i] < 0x80; ++i)
+        out[i] = char(in[i]);
+    return i;
+}
+
+#if defined(__SSE2__)
 // Bytes below 0x80 widened, and their control characters made blanks.
 inline __m128i blanked(__m128i bytes)
 {
@@ -27,97 +45,167 @@ inline __m128i blanked(__m128i bytes)
     return _mm_or_si128(_mm_andnot_si128(controls, bytes), _mm_and_si128(controls, blank));
 }
 
-} // namespace Detail
+inline __m128i load64(const void* in)
+{
+    return _mm_loadl_epi64(static_cast<const __m128i*>(in));
+}
+
+inline __m128i load32(const void* in)
+{
+    int word;
+    std::memcpy(&word, in, 4);
+    return _mm_cvtsi32_si128(word);
+}
+
+// Widens the `width` bytes at `at` (16, 8 or 4), if they are all ASCII.
+template<int width>
+inline bool widenBlock(const char* in, qsizetype at, char16_t* out, bool blankControls)
+{
+    const __m128i zero = _mm_setzero_si128();
+    __m128i bytes = width == 16 ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at))
+                    : width == 8 ? load64(in + at)
+                                 : load32(in + at);
+    if (_mm_movemask_epi8(bytes) != 0)
+        return false;
+    if (blankControls)
+        bytes = blanked(bytes);
+    auto* to = reinterpret_cast<__m128i*>(out + at);
+    if (width == 16) {
+        _mm_storeu_si128(to, _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(bytes, zero));
+    } else if (width == 8) {
+        _mm_storeu_si128(to, _mm_unpacklo_epi8(bytes, zero));
+    } else {
+        _mm_storel_epi64(to, _mm_unpacklo_epi8(bytes, zero));
+    }
+    return true;
+}
+
+// Narrows the `width` units at `at` (16, 8 or 4), if they are all ASCII.
+template<int width>
+inline bool narrowBlock(const char16_t* in, qsizetype at, char* out)
+{
+    const __m128i nonAscii = _mm_set1_epi16(short(0xff80));
+    const __m128i low = width == 4 ? load64(in + at) : _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+    const __m128i high =
+        width == 16 ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at + 8)) : _mm_setzero_si128();
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(_mm_or_si128(low, high), nonAscii), _mm_setzero_si128()))
+        != 0xffff)
+        return false;
+    const __m128i bytes = _mm_packus_epi16(low, high);
+    if (width == 16) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), bytes);
+    } else if (width == 8) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + at), bytes);
+    } else {
+        const int word = _mm_cvtsi128_si32(bytes);
+        std::memcpy(out + at, &word, 4);
+    }
+    return true;
+}
+
+// Which of the `width` units at `at` (8 or 4) are `limit` or above, one bit
+// pair a unit. A saturating subtraction leaves a unit non-zero exactly when
+// it was at least the limit.
+template<int width>
+inline unsigned atLeastMask(const char16_t* in, qsizetype at, char16_t limit)
+{
+    const __m128i units = width == 8 ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at)) : load64(in + at);
+    const __m128i over = _mm_subs_epu16(units, _mm_set1_epi16(short(limit - 1)));
+    const unsigned zero = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(over, _mm_setzero_si128())));
+    return ~zero & (width == 8 ? 0xffffu : 0xffu);
+}
 #endif
+
+} // namespace Detail
 
 // Widens the leading ASCII of `in` into `out`, control characters (below
 // 0x20, and 0x7F) as blanks when asked; answers how many bytes were copied,
 // which stops at the first byte above 0x7F or at the end.
 inline qsizetype widen(const char* in, qsizetype length, char16_t* out, bool blankControls)
 {
-    qsizetype i = 0;
 #if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    for (; length - i >= 16; i += 16) {
-        __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
-        if (_mm_movemask_epi8(bytes) != 0)
-            break;
-        if (blankControls)
-            bytes = Detail::blanked(bytes);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i + 8), _mm_unpackhi_epi8(bytes, zero));
-    }
-    // Most names and values are short: eight bytes, then four, at a time.
-    if (length - i >= 8) {
-        __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in + i));
-        if ((_mm_movemask_epi8(bytes) & 0xff) == 0) {
-            if (blankControls)
-                bytes = Detail::blanked(bytes);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi8(bytes, zero));
-            i += 8;
+    using Detail::widenBlock;
+    if (length >= 16) {
+        qsizetype i = 0;
+        for (; length - i >= 16; i += 16) {
+            if (!widenBlock<16>(in, i, out, blankControls))
+                return Detail::widenTail(in, i, length, out, blankControls);
         }
+        if (i < length && !widenBlock<16>(in, length - 16, out, blankControls))
+            return Detail::widenTail(in, i, length, out, blankControls);
+        return length;
     }
-    if (length - i >= 4) {
-        int word;
-        std::memcpy(&word, in + i, 4);
-        __m128i bytes = _mm_cvtsi32_si128(word);
-        if ((_mm_movemask_epi8(bytes) & 0xf) == 0) {
-            if (blankControls)
-                bytes = Detail::blanked(bytes);
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi8(bytes, zero));
-            i += 4;
-        }
+    if (length >= 8) {
+        if (!widenBlock<8>(in, 0, out, blankControls))
+            return Detail::widenTail(in, 0, length, out, blankControls);
+        if (!widenBlock<8>(in, length - 8, out, blankControls))
+            return Detail::widenTail(in, 8, length, out, blankControls);
+        return length;
+    }
+    if (length >= 4) {
+        if (!widenBlock<4>(in, 0, out, blankControls))
+            return Detail::widenTail(in, 0, length, out, blankControls);
+        if (!widenBlock<4>(in, length - 4, out, blankControls))
+            return Detail::widenTail(in, 4, length, out, blankControls);
+        return length;
     }
 #endif
-    for (; i < length && static_cast<unsigned char>(in[i]) < 0x80; ++i) {
-        const char16_t c = char16_t(in[i]);
-        out[i] = blankControls && (c < 0x20 || c == 0x7f) ? u' ' : c;
-    }
-    return i;
+    return Detail::widenTail(in, 0, length, out, blankControls);
 }
 
-// Narrows the leading ASCII of `in` into `out`, one byte a character, in
-// blocks of sixteen; answers how many characters were copied.
+// Narrows the leading ASCII of `in` into `out`, one byte a character;
+// answers how many characters were copied, which stops at the first
+// character above U+007F or at the end.
 inline qsizetype narrow(const char16_t* in, qsizetype length, char* out)
 {
-    qsizetype i = 0;
 #if defined(__SSE2__)
-    const __m128i nonAscii = _mm_set1_epi16(short(0xff80));
-    const auto ascii = [&nonAscii](__m128i units) {
-        return _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(units, nonAscii), _mm_setzero_si128())) == 0xffff;
-    };
-    for (; length - i >= 16; i += 16) {
-        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
-        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i + 8));
-        if (!ascii(_mm_or_si128(low, high)))
-            break;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(low, high));
+    using Detail::narrowBlock;
+    if (length >= 16) {
+        qsizetype i = 0;
+        for (; length - i >= 16; i += 16) {
+            if (!narrowBlock<16>(in, i, out))
+                return Detail::narrowTail(in, i, length, out);
+        }
+        if (i < length && !narrowBlock<16>(in, length - 16, out))
+            return Detail::narrowTail(in, i, length, out);
+        return length;
     }
-#else
-    Q_UNUSED(in);
-    Q_UNUSED(length);
-    Q_UNUSED(out);
+    if (length >= 8) {
+        if (!narrowBlock<8>(in, 0, out))
+            return Detail::narrowTail(in, 0, length, out);
+        if (!narrowBlock<8>(in, length - 8, out))
+            return Detail::narrowTail(in, 8, length, out);
+        return length;
+    }
+    if (length >= 4) {
+        if (!narrowBlock<4>(in, 0, out))
+            return Detail::narrowTail(in, 0, length, out);
+        if (!narrowBlock<4>(in, length - 4, out))
+            return Detail::narrowTail(in, 4, length, out);
+        return length;
+    }
 #endif
-    return i;
+    return Detail::narrowTail(in, 0, length, out);
 }
 
 // Whether any character of `in` is `limit` or above.
 inline bool anyAtLeast(const char16_t* in, qsizetype length, char16_t limit)
 {
-    qsizetype i = 0;
 #if defined(__SSE2__)
-    // A saturating subtraction leaves a unit non-zero exactly when it was
-    // at least the limit.
-    const __m128i below = _mm_set1_epi16(short(limit - 1));
-    const auto over = [&below](__m128i units) {
-        return _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_subs_epu16(units, below), _mm_setzero_si128())) != 0xffff;
-    };
-    for (; length - i >= 8; i += 8) {
-        if (over(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i))))
-            return true;
+    using Detail::atLeastMask;
+    if (length >= 8) {
+        qsizetype i = 0;
+        for (; length - i >= 8; i += 8) {
+            if (atLeastMask<8>(in, i, limit))
+                return true;
+        }
+        return i < length && atLeastMask<8>(in, length - 8, limit);
     }
+    if (length >= 4)
+        return atLeastMask<4>(in, 0, limit) || atLeastMask<4>(in, length - 4, limit);
 #endif
-    for (; i < length; ++i) {
+    for (qsizetype i = 0; i < length; ++i) {
         if (in[i] >= limit)
             return true;
     }
@@ -130,10 +218,20 @@ inline qsizetype indexOf(const char16_t* in, qsizetype length, char16_t c, qsize
     qsizetype i = from;
 #if defined(__SSE2__)
     const __m128i wanted = _mm_set1_epi16(short(c));
+    const auto found = [&wanted, in](qsizetype at) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+        return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(units, wanted)));
+    };
     for (; length - i >= 8; i += 8) {
-        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
-        if (const int found = _mm_movemask_epi8(_mm_cmpeq_epi16(units, wanted)))
-            return i + __builtin_ctz(unsigned(found)) / 2;
+        if (const unsigned mask = found(i))
+            return i + __builtin_ctz(mask) / 2;
+    }
+    // The last block laid over the end of the text: the units before `i`
+    // were searched already.
+    if (i < length && length >= 8) {
+        const qsizetype at = length - 8;
+        const unsigned mask = found(at) >> (2 * (i - at));
+        return mask ? i + __builtin_ctz(mask) / 2 : -1;
     }
 #endif
     for (; i < length; ++i) {

@@ -175,7 +175,7 @@ public:
     {
         auto element = std::make_unique<ConfigNode>(qName);
         for (const XmlAttribute& attribute : atts)
-            element->setAttribute(attribute.qualifiedName().toString(), attribute.value().toString());
+            element->setAttribute(attribute.qualifiedName(), attribute.value().toString());
         open.push_back(open.back()->appendChild(std::move(element)));
         return true;
     }

@@ -28,36 +28,31 @@ XmlAttributes& XmlAttributes::operator=(const XmlAttributes& other)
     if (this == &other)
         return *this;
     clear();
-    char16_t* const base = reserve(other.used);
-    std::copy_n(other.buffer.get(), other.used, base);
-    for (const XmlAttribute& attribute : other.items) {
-        const char16_t* name = base + (attribute.m_qualifiedName.utf16() - other.buffer.get());
-        const char16_t* value = name + attribute.m_qualifiedName.size();
-        add(name, value, value + attribute.m_value.size());
-    }
+    for (const XmlAttribute& attribute : other.items)
+        append(QString::fromUtf8(attribute.m_name), attribute.m_value);
     return *this;
 }
 
-QStringView XmlAttributes::value(QStringView qualifiedName) const
+const char* XmlAttributes::keepName(QByteArrayView utf8)
 {
-    for (const XmlAttribute& attribute : items) {
-        if (attribute.m_qualifiedName == qualifiedName)
-            return attribute.m_value;
-    }
-    return u"";
+    auto& kept = keptNames.emplace_back(new char[std::size_t(utf8.size()) + 1]);
+    std::copy_n(utf8.data(), utf8.size(), kept.get());
+    kept[std::size_t(utf8.size())] = '\0';
+    return kept.get();
 }
 
 void XmlAttributes::append(QStringView qualifiedName, QStringView value)
 {
-    char16_t* name = reserve(qualifiedName.size() + value.size());
-    char16_t* end = std::copy_n(qualifiedName.utf16(), qualifiedName.size(), name);
-    add(name, end, std::copy_n(value.utf16(), value.size(), end));
+    const char* name = keepName(qualifiedName.toUtf8());
+    char16_t* begin = reserve(value.size());
+    add(name, begin, std::copy_n(value.utf16(), value.size(), begin));
 }
 
 void XmlAttributes::clear()
 {
     used = 0;
     items.clear();
+    keptNames.clear();
 }
 
 void XmlAttributes::grow(qsizetype count)
@@ -71,9 +66,8 @@ void XmlAttributes::grow(qsizetype count)
         throw std::bad_alloc();
     std::copy_n(buffer.get(), used, larger.get());
     for (XmlAttribute& attribute : items) {
-        const char16_t* name = larger.get() + (attribute.m_qualifiedName.utf16() - buffer.get());
-        attribute.m_qualifiedName = QStringView(name, attribute.m_qualifiedName.size());
-        attribute.m_value = QStringView(name + attribute.m_qualifiedName.size(), attribute.m_value.size());
+        const char16_t* value = larger.get() + (attribute.m_value.utf16() - buffer.get());
+        attribute.m_value = QStringView(value, attribute.m_value.size());
     }
     buffer = std::move(larger);
     capacity = grown;
@@ -108,13 +102,12 @@ public:
 
     const Name& find(const char* utf8)
     {
-        const qsizetype length = qsizetype(std::strlen(utf8));
         // An end tag names the element just started, and items repeat: the
         // name found last is tried first.
-        if (matches(*last, utf8, length))
+        if (matches(*last, utf8))
             return *last;
         for (const Name& name : names) {
-            if (matches(name, utf8, length)) {
+            if (matches(name, utf8)) {
                 last = &name;
                 return name;
             }
@@ -122,7 +115,7 @@ public:
         Name& slot = names[next];
         last = &slot;
         next = (next + 1) % names.size();
-        slot.utf8 = QByteArray(utf8, length);
+        slot.utf8 = QByteArray(utf8);
         slot.qualified = QString::fromUtf8(slot.utf8);
         const qsizetype colon = slot.qualified.indexOf(u':');
         slot.local = colon < 0 ? slot.qualified : slot.qualified.sliced(colon + 1);
@@ -130,9 +123,17 @@ public:
     }
 
 private:
-    static bool matches(const Name& name, const char* utf8, qsizetype length)
+    // Compared in the parser's bytes, without measuring them first; an
+    // unused slot matches no name, as no name is empty.
+    static bool matches(const Name& name, const char* utf8)
     {
-        return name.utf8.size() == length && std::memcmp(name.utf8.constData(), utf8, std::size_t(length)) == 0;
+        const qsizetype size = name.utf8.size();
+        const char* known = name.utf8.constData();
+        for (qsizetype i = 0; i < size; ++i) {
+            if (utf8[i] != known[i])
+                return false;
+        }
+        return size > 0 && utf8[size] == '\0';
     }
 
     std::array<Name, 16> names;
@@ -244,21 +245,15 @@ struct XmlReader::Private
         return end;
     }
 
-    // The element's names and values go straight into the attribute list's
-    // buffer, measured first so that it is made large enough once.
+    // The values go straight into the attribute list's buffer; the names
+    // stay the parser's bytes.
     void readAttributes(const XML_Char** atts)
     {
         attributes.clear();
-        lengths.clear();
-        qsizetype total = 0;
-        for (const XML_Char** at = atts; *at; ++at)
-            total += lengths.emplace_back(qsizetype(std::strlen(*at)));
-        char16_t* out = attributes.reserve(total);
-        for (std::size_t i = 0; atts[i]; i += 2) {
-            char16_t* const name = out;
-            char16_t* const value = decode(atts[i], lengths[i], name, false);
-            out = decode(atts[i + 1], lengths[i + 1], value, blankControls);
-            attributes.add(name, value, out);
+        for (const XML_Char** at = atts; *at; at += 2) {
+            const qsizetype length = qsizetype(std::strlen(at[1]));
+            char16_t* const value = attributes.reserve(length);
+            attributes.add(at[0], value, decode(at[1], length, value, blankControls));
         }
     }
 
@@ -324,7 +319,6 @@ struct XmlReader::Private
 
     XML_Parser parser = nullptr;
     XmlAttributes attributes;
-    std::vector<qsizetype> lengths;
     NameCache elementNames;
     QStringDecoder utf8Decoder{QStringDecoder::Utf8};
     const QString noNamespace;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QLatin1StringView>
 #include <QString>
 #include <QStringView>
@@ -27,23 +28,42 @@ inline bool isName(QStringView name, QLatin1StringView word)
     return true;
 }
 
+// Whether the UTF-8 name `utf8`, which ends at its NUL, is `word` (ASCII).
+// Names are compared for every element of a long document in the bytes the
+// parser hands over, without measuring or decoding them first.
+inline bool isName(const char* utf8, QLatin1StringView word)
+{
+    const char* w = word.data();
+    for (qsizetype i = 0; i < word.size(); ++i) {
+        // A shorter name differs at its NUL, which no word holds.
+        if (utf8[i] != w[i])
+            return false;
+    }
+    return utf8[word.size()] == '\0';
+}
+
 // One attribute of an element: its name as written (no namespace
 // processing) and its value. Views into the list that holds it.
 class XmlAttribute
 {
 public:
-    QStringView qualifiedName() const { return m_qualifiedName; }
+    // The name in UTF-8; decoded only by readers that show it.
+    const char* qualifiedNameUtf8() const { return m_name; }
+    QString qualifiedName() const { return QString::fromUtf8(m_name); }
+    bool hasName(QLatin1StringView word) const { return isName(m_name, word); }
     QStringView value() const { return m_value; }
 
 private:
     friend class XmlAttributes;
-    QStringView m_qualifiedName;
+    const char* m_name = "";
     QStringView m_value;
 };
 
-// The attributes of one element in document order. Their texts stand one
+// The attributes of one element in document order. Their values stand one
 // after the other in one buffer, which the reader refills for every element:
 // an element costs no allocation once the buffer has grown to the widest.
+// The names are the parser's own bytes, valid while the element is
+// delivered; a copy of the list keeps names of its own.
 class XmlAttributes
 {
 public:
@@ -62,21 +82,19 @@ public:
     QStringView value(QLatin1StringView qualifiedName) const
     {
         for (const XmlAttribute& attribute : items) {
-            const QStringView name = attribute.m_qualifiedName;
-            if (isName(name, qualifiedName))
+            if (attribute.hasName(qualifiedName))
                 return attribute.m_value;
         }
         return u"";
     }
-    QStringView value(QStringView qualifiedName) const;
 
     void append(QStringView qualifiedName, QStringView value);
     void clear();
 
 private:
     friend class XmlReader;
-    // Room for `count` more characters after the texts already held. Growing
-    // the buffer moves the views of the attributes already added with it.
+    // Room for `count` more characters after the values already held.
+    // Growing the buffer moves the views of the values already added.
     char16_t* reserve(qsizetype count)
     {
         if (capacity - used < count)
@@ -84,15 +102,17 @@ private:
         return buffer.get() + used;
     }
     void grow(qsizetype count);
-    // Adds the attribute whose name and value stand at [name, value) and
-    // [value, end) in the reserved room.
-    void add(const char16_t* name, const char16_t* value, const char16_t* end)
+    // Adds the attribute named `name` whose value stands at [value, end) in
+    // the reserved room.
+    void add(const char* name, const char16_t* value, const char16_t* end)
     {
         XmlAttribute& attribute = items.emplace_back();
-        attribute.m_qualifiedName = QStringView(name, value);
+        attribute.m_name = name;
         attribute.m_value = QStringView(value, end);
         used = end - buffer.get();
     }
+    // A name kept by the list itself, for attributes not read from a parser.
+    const char* keepName(QByteArrayView utf8);
 
     struct Free
     {
@@ -102,6 +122,7 @@ private:
     qsizetype capacity = 0;
     qsizetype used = 0;
     std::vector<XmlAttribute> items;
+    std::vector<std::unique_ptr<char[]>> keptNames;
 };
 
 // The events of a streamed XML document. Each callback answers whether

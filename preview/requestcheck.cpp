@@ -270,7 +270,7 @@ private:
             return false;
         }
         for (qsizetype i = 0; i < atts.size(); ++i) {
-            const QStringView attribute = atts.at(i).qualifiedName();
+            const QString attribute = atts.at(i).qualifiedName();
             if (!isName(attribute, "name"_L1)) {
                 addRequestFinding(here, attributePlace(request, tag, attribute.toUtf8()),
                                   "attribute "_L1 + quoted(attribute)
@@ -306,7 +306,7 @@ private:
             return;
         }
         for (qsizetype i = 0; i < atts.size(); ++i) {
-            const QStringView attribute = atts.at(i).qualifiedName();
+            const QString attribute = atts.at(i).qualifiedName();
             if (element->reads(i, attribute)) {
                 checkQuotes(tag, here, qName, *element, atts.at(i));
                 continue;
@@ -334,7 +334,7 @@ private:
                              && (!listed || listed->use == Documents::Use::Printed);
         if (!printed || driver->documentSettings().safeText || !attribute.value().contains(u'"'))
             return;
-        const QStringView name = attribute.qualifiedName();
+        const QString name = attribute.qualifiedName();
         addRequestFinding(here, attributePlace(request, tag, name.toUtf8()),
                           "attribute "_L1 + quoted(name) + " of <"_L1 + qName
                               + "> holds a double quote, which ends the printer's line early; "

@@ -14,7 +14,7 @@ namespace {
 constexpr qsizetype longestCentredLine = defaultPaperWidth + 7;
 
 constexpr QLatin1StringView fiscalLineEnd("\r\n");
-constexpr QStringView lineClose(u"\"@\n");
+constexpr QLatin1StringView lineClose("\"@\n");
 
 const QString quote = u"\""_s;
 constexpr QStringView blanks(u"                                ");
@@ -117,25 +117,18 @@ void CompanyPrinterDriver::generatePulse() {}
 
 void CompanyPrinterDriver::printLogo() {}
 
-void CompanyPrinterDriver::write(QStringView text)
-{
-    // Without an output file the run goes on and its lines are dropped.
-    if (stream)
-        *stream << text;
-}
-
 void CompanyPrinterDriver::startSection()
 {
-    write(u"\n");
+    write("\n"_L1);
     if (isFiscal())
         return;
-    write(u"j\n");
+    write("j\n"_L1);
     line = quote;
 }
 
 void CompanyPrinterDriver::endSection()
 {
-    write(isFiscal() ? u"1T\n" : u"J\n");
+    write(isFiscal() ? "1T\n"_L1 : "J\n"_L1);
 }
 
 void CompanyPrinterDriver::print(unsigned int indent, const QString& text)
@@ -178,17 +171,20 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
     } else {
         // A left-aligned line needs no measuring: its pieces go out as they
         // are, without being gathered first.
-        write(line);
-        if (indent) {
+        QString storage;
+        const QStringView printed = printedText(text, storage);
+        if (indent <= unsigned(blanks.size())) {
+            write(line, blanks.first(indent), printed, lineClose);
+        } else {
+            write(line);
             for (; indent > unsigned(blanks.size()); indent -= unsigned(blanks.size()))
                 write(blanks);
-            write(blanks.first(indent));
+            write(blanks.first(indent), printed, lineClose);
         }
-        QString storage;
-        write(printedText(text, storage));
-        write(lineClose);
     }
-    line = quote;
+    // Most lines leave the line as it was begun: the quote alone.
+    if (line.size() != 1 || line.front() != u'"')
+        line = quote;
 }
 
 void CompanyPrinterDriver::println(const QString& text)
@@ -211,7 +207,7 @@ void CompanyPrinterDriver::printRowFiscal(const QString& department, const QStri
                                           const QString& description, const QString& price)
 {
     writeFiscalItem(department, quantity, description, price);
-    write(u"R\r\n");
+    write("R\r\n"_L1);
 }
 
 void CompanyPrinterDriver::printRowFiscal(const QString& department, const QString& quantity,

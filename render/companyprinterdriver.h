@@ -31,7 +31,13 @@ public:
                                 const QString& adjustment);
 
 private:
-    void write(QStringView text);
+    // Without an output file the run goes on and its lines are dropped.
+    template<typename... Pieces>
+    void write(const Pieces&... pieces)
+    {
+        if (stream)
+            stream->write(pieces...);
+    }
     // Text as it goes between the quotes of a printed line: `text` itself,
     // or `storage` holding it changed.
     QStringView printedText(const QString& text, QString& storage) const;

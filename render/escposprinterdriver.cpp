@@ -153,7 +153,7 @@ void EscPosPrinterDriver::println(unsigned int indent, const QString& text)
     print(indent, text);
     sendModes(wanted);
     if (stream)
-        *stream << line << u"\n";
+        *stream << line << "\n"_L1;
     line.clear();
 }
 

@@ -3,6 +3,7 @@
 #include "codepage.h"
 #include "documents.h"
 #include "documentsettings.h"
+#include "rowlayout.h"
 #include "textoutput.h"
 #include "xmlreader.h"
 
@@ -91,9 +92,12 @@ public:
     QString documentPath(const QString& type);
     // Loads the settings of a document type.
     void loadValues(const QString& type);
-    // Views, so that attribute values go into the line without a copy.
+    // Views, so that attribute values go into the line without a copy. The
+    // layout by name gives an empty row for a name that is none.
     QString descriptionRow(QStringView a1, QStringView a2, QStringView a3, QStringView a4,
                            QChar fill, QStringView layout) const;
+    QString descriptionRow(QStringView a1, QStringView a2, QStringView a3, QStringView a4,
+                           QChar fill, RowLayout::Layout layout) const;
 
     // Pushes buffered text to the device.
     void flush();
@@ -177,7 +181,7 @@ protected:
 
     void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
-    void printPricedItem(const XmlAttributes& atts, QStringView layout);
+    void printPricedItem(const XmlAttributes& atts, RowLayout::Layout layout);
     void printTotalLine(const QString& label, QStringView amount);
 
     const ZTConfiguration* config;

@@ -34,7 +34,7 @@ void PrinterDriver::printInvoiceItem(const XmlAttributes& atts)
     printPricedItem(atts, qdpt);
 }
 
-void PrinterDriver::printPricedItem(const XmlAttributes& atts, QStringView layout)
+void PrinterDriver::printPricedItem(const XmlAttributes& atts, Layout layout)
 {
     printItemColumnsHeader(true);
     println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), atts.value("price"_L1),

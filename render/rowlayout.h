@@ -3,16 +3,24 @@
 #include <QChar>
 #include <QStringView>
 
-// The names of the column layouts that descriptionRow builds, and the fill
-// characters the documents choose between.
+#include <optional>
+
+// The column layouts that descriptionRow builds, and the fill characters
+// the documents choose between.
 namespace RowLayout {
 
-inline constexpr QStringView qdpt{u"qdpt"};
-inline constexpr QStringView qxdpt{u"qxdpt"};
-inline constexpr QStringView qxdtDoubleLine{u"qxdtDoubleLine"};
-inline constexpr QStringView qxd{u"qxd"};
-inline constexpr QStringView qd{u"qd"};
-inline constexpr QStringView dateAmountType{u"date-amount-type"};
+enum Layout {
+    qdpt,           // quantity, description, unit price, total
+    qxdpt,          // the same with " x " after the quantity
+    qxdtDoubleLine, // quantity x price on one line, description and total below
+    qxd,            // quantity x description
+    qd,             // quantity and description
+    dateAmountType, // a statement's date, description and amount
+};
+
+// The layout a caller names ("qdpt", "date-amount-type", ...); none for
+// any other text.
+std::optional<Layout> layoutNamed(QStringView name);
 
 inline constexpr QChar blank{u' '};
 // Leads the eye from a description to its amount.

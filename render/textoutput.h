@@ -29,12 +29,33 @@ public:
 
     TextOutput& operator<<(QStringView text)
     {
-        // Four bytes are the most one UTF-16 unit becomes.
         if (text.size() <= (bufferSize - used) / 4)
             encode(text);
         else
             encodeLong(text);
         return *this;
+    }
+    // The device's own command text, which is ASCII.
+    TextOutput& operator<<(QLatin1StringView command)
+    {
+        if (command.size() <= (bufferSize - used) / 4)
+            encode(command);
+        else
+            encodeLong(QString(command));
+        return *this;
+    }
+    // Pieces of one line (texts, or command text in QLatin1StringView),
+    // written one after the other: a printed line is a few pieces, and
+    // checking the room for them once is cheaper than for each.
+    template<typename... Pieces>
+    void write(const Pieces&... pieces)
+    {
+        // Four bytes are the most one UTF-16 unit becomes.
+        const qsizetype units = (qsizetype(pieces.size()) + ...);
+        if (units <= (bufferSize - used) / 4)
+            (encode(pieces), ...);
+        else
+            (*this << ... << pieces);
     }
     // Bytes that are no text (printer commands, images), as they are.
     void writeBytes(QByteArrayView bytes);
@@ -55,26 +76,24 @@ private:
         char* out = buffer.get() + used;
         const char16_t* in = text.utf16();
         const char16_t* const end = in + text.size();
-        // Printers' code pages write ASCII as itself: it is copied four
-        // characters at a time where it can.
+        // Printers' code pages write ASCII as itself: it is copied in blocks.
         if (asciiAsItself) {
-            const qsizetype blocks = AsciiBlocks::narrow(in, end - in, out);
-            in += blocks;
-            out += blocks;
-            for (; end - in >= 4; in += 4, out += 4) {
-                quint64 units;
-                std::memcpy(&units, in, 8);
-                if (units & 0xff80ff80ff80ff80ull)
-                    break;
-                for (int k = 0; k < 4; ++k)
-                    out[k] = char(in[k]);
-            }
-            while (in != end && *in < 0x80)
-                *out++ = char(*in++);
+            const qsizetype ascii = AsciiBlocks::narrow(in, end - in, out);
+            in += ascii;
+            out += ascii;
         }
         if (in != end)
             out = encoder.appendToBuffer(out, QStringView(in, end));
         used = out - buffer.get();
+    }
+    void encode(QLatin1StringView command)
+    {
+        if (!asciiAsItself) {
+            encode(QString(command));
+            return;
+        }
+        std::memcpy(buffer.get() + used, command.data(), std::size_t(command.size()));
+        used += command.size();
     }
     void encodeLong(QStringView text);
 
