@@ -46,8 +46,10 @@ configure_and_build "$build_root/build-asan" -DZENTARO_TESTS=ON -DZENTARO_SANITI
 CC=clang CXX=clang++ configure_and_build "$build_root/build-fuzz" -DZENTARO_FUZZ=ON \
   -- --target fuzz_targets zentaro-print
 
-# fuzz_smoke TARGET SEED...: a short run from the seeds; a crash, leak, hang
-# or sanitizer report fails it and leaves the input in build-fuzz/artifacts/.
+# fuzz_smoke TARGET SEED...: a short run from the seeds and the target's
+# regression inputs (tests/fuzz/regressions/TARGET/, where it has any); a
+# crash, leak, hang or sanitizer report fails it and leaves the input in
+# build-fuzz/artifacts/.
 fuzz_smoke() {
   local target=$1; shift
   local bin=$build_root/build-fuzz/tests/fuzz/$target
@@ -56,7 +58,7 @@ fuzz_smoke() {
   corpus=$(mktemp -d)
   log=$build_root/build-fuzz/$target-smoke.log
   mkdir -p "$artifacts"
-  for seed in "$@"; do
+  for seed in "$repo/tests/fuzz/regressions/$target"/* "$@"; do
     [[ -f $seed ]] || continue
     cp -- "$seed" "$corpus/seed-$((i++))-$(basename -- "$seed")"
   done
@@ -73,22 +75,14 @@ fuzz_smoke() {
 }
 
 shopt -s nullglob
-fuzz_smoke fuzz_config \
-  "$repo"/tests/fuzz/regressions/fuzz_config/* \
-  "$repo"/examples/home*/.zentaro/conf/zentaro.conf
-fuzz_smoke fuzz_config_xml \
-  "$repo"/tests/fuzz/regressions/fuzz_config_xml/* \
-  "$repo"/tests/config/data/*.xml
+fuzz_smoke fuzz_config "$repo"/examples/home*/.zentaro/conf/zentaro.conf
+fuzz_smoke fuzz_config_xml "$repo"/tests/config/data/*.xml
 fuzz_smoke fuzz_print \
-  "$repo"/tests/fuzz/regressions/fuzz_print/* \
   "$repo"/examples/requests/*.xml "$repo"/tests/golden/cases/*/request.xml
 fuzz_smoke fuzz_preview \
-  "$repo"/tests/fuzz/regressions/fuzz_preview/* \
   "$repo"/examples/requests/*.xml "$repo"/tests/preview/golden/*/request.xml \
   "$repo"/tests/golden/cases/*/expected.txt
-fuzz_smoke fuzz_catalogue \
-  "$repo"/tests/fuzz/regressions/fuzz_catalogue/* \
-  "$build_root"/build-fuzz/translations/*.qm
+fuzz_smoke fuzz_catalogue "$build_root"/build-fuzz/translations/*.qm
 shopt -u nullglob
 
 # Inputs that once crashed a fuzz target are replayed by CTest in the fuzz

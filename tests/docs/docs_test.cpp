@@ -14,7 +14,6 @@
 #include "testsupport.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTemporaryDir>
@@ -87,20 +86,13 @@ QByteArray render(const QString& request, QString configuration, QByteArray& fin
     QTemporaryDir home;
     testsupport::writeBytes(home.filePath(u".zentaro/conf/zentaro.conf"_s), configuration.toStdString());
     testsupport::writeBytes(home.filePath(u"request.xml"_s), request.toStdString());
-    QProcess run;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(u"HOME"_s, home.path());
-    env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    run.setProcessEnvironment(env);
-    run.start(QStringLiteral(ZENTARO_PRINT), {home.filePath(u"request.xml"_s), home.filePath(u"print.txt"_s)});
-    run.waitForFinished(30000);
-    QProcess preview;
-    preview.setProcessEnvironment(env);
-    preview.start(QStringLiteral(ZENTARO_PREVIEW), {home.filePath(u"request.xml"_s), home.filePath(u"picture.svg"_s)});
-    preview.waitForFinished(30000);
-    findings = preview.readAllStandardOutput();
-    if (preview.exitStatus() != QProcess::NormalExit || preview.exitCode() != 0)
-        findings += "zentaro-preview exited with " + QByteArray::number(preview.exitCode());
+    const QStringList locale{u"LC_ALL=C.UTF-8"_s};
+    testsupport::runProgram(QStringLiteral(ZENTARO_PRINT), {u"request.xml"_s, u"print.txt"_s}, home.path(), {}, locale);
+    const testsupport::ProgramRun preview = testsupport::runProgram(
+        QStringLiteral(ZENTARO_PREVIEW), {u"request.xml"_s, u"picture.svg"_s}, home.path(), {}, locale);
+    findings = preview.out;
+    if (preview.status != 0)
+        findings += "zentaro-preview exited with " + QByteArray::number(preview.status);
     return testsupport::readBytes(home.filePath(u"print.txt"_s)).replace("\r\n", "\n");
 }
 

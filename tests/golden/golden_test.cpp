@@ -17,7 +17,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -91,24 +90,15 @@ TEST_P(Golden, PrintRun)
 
     const QString request = dir.filePath(u"request.xml"_s);
     const QString output = work.filePath(u"out.txt"_s);
-    QProcess run;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(u"HOME"_s, home);
     // The print file is written in the locale's character set unless the
-    // configuration names a code page.
-    env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    const QString extraEnv = QString::fromUtf8(readBytes(dir.filePath(u"env"_s)));
-    for (const QString& line : extraEnv.split(u'\n', Qt::SkipEmptyParts))
-        env.insert(line.section(u'=', 0, 0), line.section(u'=', 1));
-    run.setProcessEnvironment(env);
-    run.setWorkingDirectory(work.path());
-    run.start(QStringLiteral(ZENTARO_PRINT), argumentsFor(dir, request, output));
-    ASSERT_TRUE(run.waitForFinished(30000)) << "did not finish";
-    const QByteArray errors = run.readAllStandardError();
-    EXPECT_EQ(run.exitStatus(), QProcess::NormalExit) << errors.toStdString();
-    EXPECT_EQ(run.exitCode(), 0) << errors.toStdString();
+    // configuration names a code page; the case's env comes on top.
+    const QStringList environment = QStringList{u"LC_ALL=C.UTF-8"_s}
+        + QString::fromUtf8(readBytes(dir.filePath(u"env"_s))).split(u'\n', Qt::SkipEmptyParts);
+    const testsupport::ProgramRun run = testsupport::runProgram(QStringLiteral(ZENTARO_PRINT),
+                                                                argumentsFor(dir, request, output), home, {}, environment);
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
 
-    QByteArray gotStdout = run.readAllStandardOutput();
+    QByteArray gotStdout = run.out;
     // The program's and the case's paths differ from one checkout to the next.
     gotStdout.replace(ZENTARO_PRINT, "@PROGRAM@").replace(dir.path().toLocal8Bit(), "@CASE@");
     expectFile(dir.filePath(u"expected_stdout.txt"_s), gotStdout, true, "standard output");
