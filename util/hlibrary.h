@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pagedcopy.h"
+
 #include <QString>
 
 class QComboBox;
@@ -30,22 +32,7 @@ public:
 
     // How a copy ended: what failed, in the system's words, and how far it
     // had come.
-    struct CopyResult
-    {
-        enum class Failure {
-            None,
-            SourceUnreadable,
-            DestinationUnopenable,
-            WriteFailed,
-            NoSuchPage, // the file ends before the page asked for
-        };
-        Failure failure = Failure::None;
-        QString errorText;
-        quint64 linesWritten = 0;
-        quint64 bytesWritten = 0;
-
-        bool succeeded() const { return failure == Failure::None; }
-    };
+    using CopyResult = pagedcopy::Result;
 
     // Sends a text file to a device or file line by line (lines of at most
     // 127 bytes; a longer one goes as several), pausing `pauseMs` after each
