@@ -54,9 +54,9 @@ public:
     static bool copy(const QString& src, const QString& dst, const QString& linesPerSheet,
                      const QString& pauseMs);
 
-    // The paper prompt of the paged copy: a message box in a process that
-    // runs a QApplication, otherwise a line on standard output answered by
-    // a line on standard input (or its end).
+    // The paper prompt of the paged copy: a message box when the running
+    // application can show one, otherwise a line on standard output
+    // answered by a line on standard input (or its end).
     static void askForNewSheet();
 
     // Creates the file or empties it; a failure passes silently.

@@ -92,10 +92,14 @@ void waitForLine()
     while (c != EOF && c != '\n');
 }
 
-// A process running a QApplication has a graphical session.
+// A widgets application on a platform that draws somewhere: the offscreen
+// and minimal platforms draw nowhere.
 bool canShowMessageBox()
 {
-    return qobject_cast<QApplication*>(QCoreApplication::instance());
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return false;
+    const QString platform = QGuiApplication::platformName();
+    return platform != "offscreen"_L1 && platform != "minimal"_L1;
 }
 
 } // namespace
@@ -129,7 +133,7 @@ Result copy(LineSource& source, LineSink& sink, const Paging& paging, unsigned c
     return outcome(sink, sink.flush() ? Failure::None : Failure::WriteFailed);
 }
 
-// A graphical session gets a modal box. Anything else, such as a
+// Someone at a display gets a modal box. Anything else, such as a
 // point-of-sale box without one, gets the text on standard output and goes
 // on after a line on standard input (or its end).
 void askForNewSheet()

@@ -90,8 +90,8 @@ Result skipToPage(LineSource& source, const Paging& paging);
 // rewinding the source between copies.
 Result copy(LineSource& source, LineSink& sink, const Paging& paging, unsigned copies = 1);
 
-// The paper prompt: a message box in a process that runs a QApplication,
-// otherwise a line on standard output answered by a line on standard
+// The paper prompt: a message box when the running application can show
+// one, otherwise a line on standard output answered by a line on standard
 // input (or its end).
 void askForNewSheet();
 
