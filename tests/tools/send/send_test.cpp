@@ -141,25 +141,13 @@ TEST_F(SendTest, MissingConfigurationIsAWarningOnStandardError)
     EXPECT_EQ(readBytes(path("lp0")), numberedLines(7));
 }
 
-// Reads what is waiting in the process's standard output until `expected`
-// has come, or a timeout.
-bool waitForOutput(QProcess& process, QByteArray* out, const QByteArray& expected)
-{
-    while (!out->endsWith(expected)) {
-        if (!process.waitForReadyRead(30000))
-            return false;
-        *out += process.readAllStandardOutput();
-    }
-    return true;
-}
-
 TEST_F(SendTest, PaperPromptWaitsForALine)
 {
     QProcess process;
     testsupport::startProgram(process, QStringLiteral(ZENTARO_SEND), {u"--lines-per-sheet"_s, u"3"_s, u"receipt.txt"_s, u"lp0"_s},
                               home.path());
     QByteArray out;
-    ASSERT_TRUE(waitForOutput(process, &out, "Insert a new sheet\n")) << out.toStdString();
+    ASSERT_TRUE(testsupport::waitForOutput(process, &out, "Insert a new sheet\n")) << out.toStdString();
     // Nothing more until the line comes.
     EXPECT_EQ(readBytes(path("lp0")), numberedLines(4));
     QThread::msleep(200);
