@@ -220,6 +220,7 @@ QString HLibrary::copyNumber(const QString& documentType, const ZTConfiguration*
 {
     const DocumentType* type = DocumentTypes::find(documentType);
     if (!type) {
+        // The exact text is the suite's interface; the function it names is the suite's, not ours.
         printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", documentType.toLower().toLocal8Bit()});
         type = &DocumentTypes::prefiscal;
     }
