@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building and the demo need ("demo", the
 # default) or that the whole test suite needs as well ("test": the test
-# framework, a PostgreSQL server, clang for fuzzing, the packaging tools).
+# framework, a PostgreSQL server, an X display, clang for fuzzing, the
+# packaging tools).
 # Only missing packages are installed; when everything is present the script
 # prints nothing and touches nothing.  Works without a terminal or standard
 # input (CI): apt runs non-interactively, through sudo when not root.
@@ -28,6 +29,9 @@ if [[ $profile == test ]]; then
     # a private CUPS scheduler and its socket backend, for zentaro-send's
     # queue tests
     cups-daemon cups
+    # a private X display and Qt's platform plugin for it, for the paper
+    # prompt's message box
+    xvfb qt6-qpa-plugins
     clang
     # locales the tests compile (an ISO-8859-15 one), manual pages, packages
     locales man-db dpkg-dev lintian

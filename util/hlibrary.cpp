@@ -4,20 +4,17 @@
 #include "diagnostics.h"
 #include "documenttypes.h"
 #include "emptytext.h"
-#include "sleepthread.h"
 #include "syncsingleton.h"
 #include "ztconfiguration.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QMessageBox>
+#include <QThread>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -35,103 +32,74 @@ QString setting(const ZTConfiguration* configuration, const QString& key)
     return configurationOrUsers(configuration)->getStrValue(key);
 }
 
-void pause(unsigned milliseconds)
-{
-    if (milliseconds != 0)
-        SleepThread pause(milliseconds);
-}
-
-// Consumes standard input up to the end of a line or of the input. Once the
-// input has ended, later prompts go on at once.
-void waitForLine()
-{
-    int c;
-    do
-        c = std::getchar();
-    while (c != EOF && c != '\n');
-}
-
-// A process running a QApplication has a graphical session and gets a
-// modal box. Anything else, such as a point-of-sale box without a display,
-// gets the text on standard output and goes on after a line on standard
-// input (or its end).
-void askForNewSheet()
-{
-    const QString caption = QCoreApplication::translate("HLibrary", "PaperWindow");
-    const QString text = QCoreApplication::translate("HLibrary", "Insert a new sheet");
-    if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
-        QMessageBox::information(nullptr, caption, text);
-        return;
-    }
-    printDiagnostic({text.toLocal8Bit()});
-    waitForLine();
-}
-
-// The two files of a copy, read and written one line at a time. A line is
-// read in one piece of at most 127 bytes; a longer line takes several. The
-// result says how far the copy came and, once it failed, why.
-class LineCopy
+// A file read one line at a time: a line is read in one piece of at most
+// 127 bytes, and a longer line takes several.
+class FileLines final : public pagedcopy::LineSource
 {
 public:
-    using Failure = HLibrary::CopyResult::Failure;
-    enum class Step { Copied, SourceEnded, DestinationFailed };
-
-    LineCopy(const QString& src, const QString& dst)
-        : source(src), destination(dst)
+    explicit FileLines(const QString& path)
+        : file(path)
     {
     }
 
-    // The source first: a file that cannot be read leaves the destination
-    // as it was.
-    bool open()
+    bool open() { return file.open(QIODevice::ReadOnly); }
+    QByteArrayView nextLine() override
     {
-        if (!source.open(QIODevice::ReadOnly))
-            return fail(Failure::SourceUnreadable, source);
-        if (!destination.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            return fail(Failure::DestinationUnopenable, destination);
-        return true;
+        const qint64 length = file.readLine(buffer, sizeof buffer);
+        return length > 0 ? QByteArrayView(buffer, length) : QByteArrayView();
     }
-
-    bool sourceAtEnd() const { return source.atEnd(); }
-
-    // Writes exactly the bytes read and flushes them, so that a printer
-    // gets each line as soon as it is read.
-    Step copyLine()
-    {
-        const qint64 length = source.readLine(buffer, sizeof buffer);
-        if (length <= 0)
-            return Step::SourceEnded;
-        if (destination.write(buffer, length) != length || !destination.flush()) {
-            fail(Failure::WriteFailed, destination);
-            return Step::DestinationFailed;
-        }
-        ++result.linesWritten;
-        result.bytesWritten += quint64(length);
-        return Step::Copied;
-    }
-
-    void skipLine() { (void)source.readLine(buffer, sizeof buffer); }
-
-    HLibrary::CopyResult noSuchPage()
-    {
-        result.failure = Failure::NoSuchPage;
-        return result;
-    }
-
-    HLibrary::CopyResult result;
+    bool atEnd() const override { return file.atEnd(); }
+    bool rewind() override { return file.seek(0); }
+    QString errorString() const override { return file.errorString(); }
 
 private:
-    bool fail(Failure failure, const QFile& file)
-    {
-        result.failure = failure;
-        result.errorText = file.errorString();
-        return false;
-    }
-
-    QFile source;
-    QFile destination;
+    QFile file;
     char buffer[128];
 };
+
+// A file or device written one line at a time: each line is written exactly
+// as read and flushed, so that a printer gets it at once.
+class FileSink final : public pagedcopy::LineSink
+{
+public:
+    explicit FileSink(const QString& path)
+        : file(path)
+    {
+    }
+
+    bool open() { return file.open(QIODevice::WriteOnly | QIODevice::Truncate); }
+    bool write(QByteArrayView line) override
+    {
+        if (file.write(line.data(), line.size()) != line.size() || !file.flush())
+            return false;
+        ++lines;
+        bytes += quint64(line.size());
+        return true;
+    }
+    bool flush() override { return true; }
+    quint64 linesOut() const override { return lines; }
+    quint64 bytesOut() const override { return bytes; }
+    QString errorString() const override { return file.errorString(); }
+
+private:
+    QFile file;
+    quint64 lines = 0;
+    quint64 bytes = 0;
+};
+
+// Opens the two files, the source first: a file that cannot be read leaves
+// the destination as it was. Then the copy.
+HLibrary::CopyResult copyFile(const QString& src, const QString& dst, const pagedcopy::Paging& paging)
+{
+    using Failure = HLibrary::CopyResult::Failure;
+    FileLines source(src);
+    if (!source.open())
+        return HLibrary::CopyResult::failed(Failure::SourceUnreadable, source.errorString());
+    FileSink destination(dst);
+    if (!destination.open())
+        return HLibrary::CopyResult::failed(Failure::DestinationUnopenable, destination.errorString());
+    return pagedcopy::copy(source, destination, paging);
+}
 
 } // namespace
 
@@ -194,57 +162,20 @@ bool HLibrary::copy(const QString& src, const QString& dst, unsigned linesPerPag
 HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerSheet,
                                               unsigned pauseMs)
 {
-    LineCopy files(src, dst);
-    if (!files.open())
-        return files.result;
-    // The counter is tested before it counts the line just written, so the
-    // first sheet takes one line more than the others. The suite's sheet
-    // lengths are set with that count in mind: keep it.
-    unsigned n = 0;
-    while (!files.sourceAtEnd()) {
-        const LineCopy::Step step = files.copyLine();
-        if (step == LineCopy::Step::DestinationFailed)
-            return files.result;
-        if (step == LineCopy::Step::SourceEnded)
-            break;
-        if (linesPerSheet != 0 && n >= linesPerSheet) {
-            askForNewSheet();
-            n = 0;
-        }
-        pause(pauseMs);
-        ++n;
-    }
-    return files.result;
+    pagedcopy::Paging paging;
+    paging.linesPerSheet = linesPerSheet;
+    paging.pauseMs = pauseMs;
+    return copyFile(src, dst, paging);
 }
 
 HLibrary::CopyResult HLibrary::copyWithResult(const QString& src, const QString& dst, unsigned linesPerPage,
                                               unsigned pauseMs, unsigned page)
 {
-    LineCopy files(src, dst);
-    if (!files.open())
-        return files.result;
-    const std::uint64_t linesBefore = std::uint64_t(linesPerPage) * page;
-    for (std::uint64_t skipped = 0; skipped < linesBefore; ++skipped) {
-        files.skipLine();
-        if (files.sourceAtEnd())
-            return files.noSuchPage();
-    }
-
-    const auto pageIsFull = [linesPerPage](unsigned written) {
-        return linesPerPage != 0 && written >= linesPerPage;
-    };
-    for (unsigned written = 0; !pageIsFull(written) && !files.sourceAtEnd();) {
-        const LineCopy::Step step = files.copyLine();
-        if (step == LineCopy::Step::DestinationFailed)
-            return files.result;
-        if (step == LineCopy::Step::SourceEnded)
-            break;
-        ++written;
-        // No pause after the last line of the page.
-        if (!pageIsFull(written) && !files.sourceAtEnd())
-            pause(pauseMs);
-    }
-    return files.result;
+    pagedcopy::Paging paging;
+    paging.linesPerPage = linesPerPage;
+    paging.pauseMs = pauseMs;
+    paging.page = page;
+    return copyFile(src, dst, paging);
 }
 
 bool HLibrary::copy(const QString& src, const QString& dst, const QString& linesPerSheet, const QString& pauseMs)
@@ -254,7 +185,7 @@ bool HLibrary::copy(const QString& src, const QString& dst, const QString& lines
 
 void HLibrary::askForNewSheet()
 {
-    ::askForNewSheet();
+    pagedcopy::askForNewSheet();
 }
 
 void HLibrary::touch(const QString& path)
@@ -289,6 +220,7 @@ QString HLibrary::copyNumber(const QString& documentType, const ZTConfiguration*
 {
     const DocumentType* type = DocumentTypes::find(documentType);
     if (!type) {
+        // The exact text is the suite's interface; the function it names is the suite's, not ours.
         printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", documentType.toLower().toLocal8Bit()});
         type = &DocumentTypes::prefiscal;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pagedcopy.h"
+
 #include <QString>
 
 class QComboBox;
@@ -30,22 +32,7 @@ public:
 
     // How a copy ended: what failed, in the system's words, and how far it
     // had come.
-    struct CopyResult
-    {
-        enum class Failure {
-            None,
-            SourceUnreadable,
-            DestinationUnopenable,
-            WriteFailed,
-            NoSuchPage, // the file ends before the page asked for
-        };
-        Failure failure = Failure::None;
-        QString errorText;
-        quint64 linesWritten = 0;
-        quint64 bytesWritten = 0;
-
-        bool succeeded() const { return failure == Failure::None; }
-    };
+    using CopyResult = pagedcopy::Result;
 
     // Sends a text file to a device or file line by line (lines of at most
     // 127 bytes; a longer one goes as several), pausing `pauseMs` after each
@@ -67,9 +54,9 @@ public:
     static bool copy(const QString& src, const QString& dst, const QString& linesPerSheet,
                      const QString& pauseMs);
 
-    // The paper prompt of the paged copy: a message box in a process that
-    // runs a QApplication, otherwise a line on standard output answered by
-    // a line on standard input (or its end).
+    // The paper prompt of the paged copy: a message box when the running
+    // application can show one, otherwise a line on standard output
+    // answered by a line on standard input (or its end).
     static void askForNewSheet();
 
     // Creates the file or empties it; a failure passes silently.

@@ -13,6 +13,8 @@
 # Run as root, the scheduler runs its backends as the "lp" user, as a
 # system one does. CUPSD names the scheduler when it is not /usr/sbin/cupsd.
 set -euo pipefail
+# shellcheck source=serverlib.sh
+source "$(dirname "$0")/serverlib.sh"
 
 action=${1:-}
 dir=${2:-}
@@ -23,16 +25,7 @@ fi
 cupsd=${CUPSD:-/usr/sbin/cupsd}
 
 stop() {
-  if [[ -f $dir/cupsd.pid ]]; then
-    local pid
-    pid=$(<"$dir/cupsd.pid")
-    kill "$pid" 2>/dev/null || true
-    for _ in $(seq 50); do
-      kill -0 "$pid" 2>/dev/null || break
-      sleep 0.1
-    done
-    kill -9 "$pid" 2>/dev/null || true
-  fi
+  stop_process "$dir/cupsd.pid"
   rm -rf -- "$dir"
 }
 

@@ -201,4 +201,14 @@ ProgramRun runProgram(const QString& program, const QStringList& arguments, cons
     return {normal ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
+bool waitForOutput(QProcess& process, QByteArray* out, const QByteArray& expected)
+{
+    while (!out->endsWith(expected)) {
+        if (!process.waitForReadyRead(30000))
+            return false;
+        *out += process.readAllStandardOutput();
+    }
+    return true;
+}
+
 } // namespace testsupport

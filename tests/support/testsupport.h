@@ -87,4 +87,8 @@ void startProgram(QProcess& process, const QString& program, const QStringList& 
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& home,
                       const QByteArray& input = {}, const QStringList& environment = {});
 
+// Reads what the process writes on its standard output into `out` until
+// `out` ends with `expected`; false when nothing more comes for 30 s.
+bool waitForOutput(QProcess& process, QByteArray* out, const QByteArray& expected);
+
 } // namespace testsupport

@@ -1,17 +1,23 @@
+// The paged copy in a widgets application on the offscreen platform, which
+// shows no box: the paper prompt is the terminal's.
 #include "hlibrary.h"
 #include "testsupport.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdio>
+#include <functional>
 #include <string>
+#include <thread>
 #include <vector>
+
+#include <poll.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using testsupport::numberedLines;
@@ -20,33 +26,56 @@ using testsupport::writeBytes;
 
 namespace {
 
-// Answers every paper prompt as soon as it shows, noting how far the copy
-// had come: the size of the destination at that moment.
-class PromptAnswerer
+// Runs `copy` with standard input and output on pipes, as on a terminal
+// without a display, and answers every paper prompt with a line as soon as
+// it has shown, noting how far the copy had come: the size of the
+// destination then.
+std::vector<qint64> sizesAtPrompts(const QString& destination, const std::function<void()>& copy)
 {
-public:
-    explicit PromptAnswerer(const QString& destination)
-        : destination(destination)
-    {
-        QObject::connect(&timer, &QTimer::timeout, [this] { answer(); });
-        timer.start(5);
+    int input[2], output[2];
+    if (::pipe(input) != 0 || ::pipe(output) != 0)
+        return {-1};
+    std::fflush(stdout);
+    const int savedInput = ::dup(STDIN_FILENO), savedOutput = ::dup(STDOUT_FILENO);
+    ::dup2(input[0], STDIN_FILENO);
+    ::dup2(output[1], STDOUT_FILENO);
+    ::close(input[0]);
+    ::close(output[1]);
+    std::clearerr(stdin);
+    // Once the copy is over, its end of the prompts' pipe closes.
+    std::thread copying([&] {
+        copy();
+        std::fflush(stdout);
+        ::dup2(savedOutput, STDOUT_FILENO);
+    });
+
+    const QByteArray prompt = "Insert a new sheet\n";
+    std::vector<qint64> sizes;
+    QByteArray shown;
+    char buffer[256];
+    pollfd prompts{output[0], POLLIN, 0};
+    while (::poll(&prompts, 1, 30000) > 0) {
+        const ssize_t n = ::read(output[0], buffer, sizeof buffer);
+        if (n <= 0)
+            break;
+        for (shown.append(buffer, n); shown.startsWith(prompt); shown.remove(0, prompt.size())) {
+            // A copy that did not wait for the answer would have gone on.
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            sizes.push_back(QFileInfo(destination).size());
+            (void)!::write(input[1], "\n", 1);
+        }
     }
-
-    std::vector<qint64> sizesAtPrompts;
-
-private:
-    void answer()
-    {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        sizesAtPrompts.push_back(QFileInfo(destination).size());
-        box->accept();
-    }
-
-    QString destination;
-    QTimer timer;
-};
+    // The end of the input answers a prompt that is still waiting.
+    ::close(input[1]);
+    copying.join();
+    ::dup2(savedInput, STDIN_FILENO);
+    for (int fd : {savedInput, savedOutput, output[0]})
+        ::close(fd);
+    std::clearerr(stdin);
+    if (!shown.isEmpty())
+        sizes.push_back(-1);
+    return sizes;
+}
 
 class CopyTest : public testing::Test
 {
@@ -79,12 +108,14 @@ TEST_P(CopyBySheet, AsksForPaperWhenASheetIsFull)
 {
     const QByteArray content = numberedLines(GetParam().lines);
     ASSERT_TRUE(writeBytes(source, content.toStdString()));
-    PromptAnswerer answerer(destination);
+    bool copied = false;
+    const std::vector<qint64> sizes =
+        sizesAtPrompts(destination, [&] { copied = HLibrary::copy(source, destination, GetParam().linesPerSheet, 0u); });
 
-    EXPECT_TRUE(HLibrary::copy(source, destination, GetParam().linesPerSheet, 0u));
+    EXPECT_TRUE(copied);
     EXPECT_EQ(readBytes(destination), content);
     std::vector<qint64> linesAtPrompts;
-    for (qint64 size : answerer.sizesAtPrompts)
+    for (qint64 size : sizes)
         linesAtPrompts.push_back(size / 11);
     EXPECT_EQ(linesAtPrompts, GetParam().linesAtPrompts);
 }
@@ -103,11 +134,12 @@ TEST_F(CopyTest, LongLinesAreReadIn127BytePieces)
 {
     const QByteArray line = QByteArray(300, 'x') + '\n';
     ASSERT_TRUE(writeBytes(source, (line + "end\n").toStdString()));
-    PromptAnswerer answerer(destination);
     // Pieces of 127, 127, 47 and 4 bytes: prompts after the second, third
     // and fourth.
-    EXPECT_TRUE(HLibrary::copy(source, destination, 1u, 0u));
-    EXPECT_EQ(answerer.sizesAtPrompts, (std::vector<qint64>{254, 301, 305}));
+    bool copied = false;
+    EXPECT_EQ(sizesAtPrompts(destination, [&] { copied = HLibrary::copy(source, destination, 1u, 0u); }),
+              (std::vector<qint64>{254, 301, 305}));
+    EXPECT_TRUE(copied);
     EXPECT_EQ(readBytes(destination), line + "end\n");
 }
 
@@ -125,17 +157,14 @@ TEST_F(CopyTest, BytesGoAcrossUnchanged)
 TEST_F(CopyTest, NumbersAsText)
 {
     ASSERT_TRUE(writeBytes(source, numberedLines(7).toStdString()));
-    {
-        PromptAnswerer answerer(destination);
-        EXPECT_TRUE(HLibrary::copy(source, destination, u"3"_s, u"0"_s));
-        EXPECT_EQ(answerer.sizesAtPrompts, (std::vector<qint64>{44, 77}));
-    }
-    {
-        // Text that is not a number counts as 0: no prompt, no pause.
-        PromptAnswerer answerer(destination);
-        EXPECT_TRUE(HLibrary::copy(source, destination, u"three"_s, u"-5"_s));
-        EXPECT_TRUE(answerer.sizesAtPrompts.empty());
-    }
+    bool copied = false;
+    EXPECT_EQ(sizesAtPrompts(destination, [&] { copied = HLibrary::copy(source, destination, u"3"_s, u"0"_s); }),
+              (std::vector<qint64>{44, 77}));
+    EXPECT_TRUE(copied);
+    // Text that is not a number counts as 0: no prompt, no pause.
+    EXPECT_EQ(sizesAtPrompts(destination, [&] { copied = HLibrary::copy(source, destination, u"three"_s, u"-5"_s); }),
+              std::vector<qint64>{});
+    EXPECT_TRUE(copied);
 }
 
 TEST_F(CopyTest, PausesAfterEveryLine)
@@ -201,14 +230,16 @@ TEST_P(CopyPage, SendsOnePage)
     const QByteArray content = numberedLines(7);
     ASSERT_TRUE(writeBytes(source, content.toStdString()));
     ASSERT_TRUE(writeBytes(destination, "old"));
-    PromptAnswerer answerer(destination);
-
-    const HLibrary::CopyResult result =
-        HLibrary::copyWithResult(source, destination, GetParam().linesPerPage, 0u, GetParam().page);
+    HLibrary::CopyResult result;
+    EXPECT_EQ(sizesAtPrompts(destination,
+                             [&] {
+                                 result = HLibrary::copyWithResult(source, destination, GetParam().linesPerPage, 0u,
+                                                                   GetParam().page);
+                             }),
+              std::vector<qint64>{});
     EXPECT_EQ(result.failure, GetParam().sent ? HLibrary::CopyResult::Failure::None
                                               : HLibrary::CopyResult::Failure::NoSuchPage);
     EXPECT_EQ(readBytes(destination), content.mid(GetParam().firstLine * 11, GetParam().lines * 11));
-    EXPECT_TRUE(answerer.sizesAtPrompts.empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(HLibrary, CopyPage,

@@ -2,6 +2,9 @@
 #include "testsupport.h"
 #include "ztconfiguration.h"
 
+#include <QDir>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -46,6 +49,7 @@ const char copySettings[] = R"(zentaro : {
     reportdoc : { copyNumber = 7; };
     solddoc : { copyNumber = 8; };
     db : { dbname = "pos"; username = "cashier"; password = "s3cret"; hostname = "/run/postgresql"; };
+    bin : { path = "/opt/pos/bin"; };
 };
 )";
 
@@ -81,6 +85,21 @@ TEST(CopyNumber, UnknownTypeIsReportedAndCountsAsPrefiscal)
               "Error into HLibrary::copyNumber::documentPath: \n");
 }
 
+TEST(Settings, EachGetterReadsItsKey)
+{
+    const auto configuration = ZTConfiguration::fromText(copySettings);
+    const ZTConfiguration* settings = configuration.get();
+    const std::pair<QString, const char*> cases[] = {
+        {HLibrary::dbname(settings), "pos"},
+        {HLibrary::username(settings), "cashier"},
+        {HLibrary::password(settings), "s3cret"},
+        {HLibrary::hostname(settings), "/run/postgresql"},
+        {HLibrary::pathWithBinaryFile(u"zentaro-print"_s, settings), "/opt/pos/bin/zentaro-print"},
+    };
+    for (const auto& [value, expected] : cases)
+        EXPECT_EQ(value, QString::fromLatin1(expected));
+}
+
 TEST(Settings, ComeFromTheUsersFileWithoutAConfiguration)
 {
     testsupport::TemporaryHome home;
@@ -88,6 +107,23 @@ TEST(Settings, ComeFromTheUsersFileWithoutAConfiguration)
     EXPECT_EQ(HLibrary::copyNumber(u"invoice"_s), u"5"_s);
     EXPECT_EQ(HLibrary::dbname(), u"pos"_s);
     EXPECT_EQ(HLibrary::dataPath(), home.path());
+}
+
+// The first file of the current folder named core*, case and all, in the
+// folder's default order: by name, case ignored.
+TEST(GetCoreFile, FirstFileNamedCore)
+{
+    const QTemporaryDir dir;
+    const QString saved = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(dir.path()));
+    const QString inEmptyFolder = HLibrary::getCoreFile();
+    QDir().mkdir(u"core.0"_s);
+    for (const char* name : {"Core", "mycore", "core.B", "core.a"})
+        testsupport::writeBytes(QString::fromLatin1(name), "");
+    const QString found = HLibrary::getCoreFile();
+    QDir::setCurrent(saved);
+    EXPECT_EQ(inEmptyFolder, u""_s);
+    EXPECT_EQ(found, u"core.a"_s);
 }
 
 } // namespace

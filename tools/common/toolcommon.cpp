@@ -11,8 +11,15 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const char* programName = "";
+
+} // namespace
+
 void setProgram(const char* name, const char* version)
 {
+    programName = name;
     QCoreApplication::setApplicationName(QString::fromLatin1(name));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(version));
 }
@@ -21,6 +28,14 @@ void printError(const QString& message)
 {
     const QByteArray line = (QCoreApplication::applicationName() + ": "_L1 + message + u'\n').toLocal8Bit();
     std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
+}
+
+void printError(const char* message)
+{
+    std::fputs(programName, stderr);
+    std::fputs(": ", stderr);
+    std::fputs(message, stderr);
+    std::fputc('\n', stderr);
 }
 
 int usageError(const QString& message)

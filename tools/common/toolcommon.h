@@ -24,6 +24,8 @@ void setProgram(const char* name, const char* version);
 
 // "program: message" and a line end on standard error.
 void printError(const QString& message);
+// The same without allocating, for when memory has run out.
+void printError(const char* message);
 
 // An error about the command line: printed with a pointer to --help; the
 // status to exit with.

@@ -61,9 +61,9 @@ int main(int argc, char** argv)
         arguments << QString::fromLocal8Bit(argv[i]);
     CommandLine commandLine;
     if (!commandLine.parse(arguments)) {
-        printError(commandLine.error());
+        const int status = usageError(commandLine.error());
         std::fputs(qPrintable(CommandLine::usageLine() + u'\n'), stderr);
-        return exitUsage;
+        return status;
     }
     if (const std::optional<int> status = answerHelpOrVersion(commandLine.parser()))
         return *status;

@@ -106,11 +106,8 @@ public:
     void fault(const char* message)
     {
         faulty = true;
-        if (strict) {
-            std::fputs("zentaro-print: ", stderr);
-            std::fputs(message, stderr);
-            std::fputc('\n', stderr);
-        }
+        if (strict)
+            printError(message);
     }
     int status() const { return strict && faulty ? exitFailure : exitSuccess; }
 

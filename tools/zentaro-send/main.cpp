@@ -23,7 +23,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QTranslator>
 
@@ -48,7 +47,7 @@ struct Request
     QString destination; // as given, or the named printer's
     QString printer;
     QString configPath;
-    Paging paging;
+    pagedcopy::Paging paging;
     // A count given on the command line, or a document type whose count
     // the configuration holds.
     unsigned copies = 1;
@@ -225,23 +224,36 @@ unsigned copiesToSend(const Request& request, const ZTConfiguration* configurati
     return ok ? configured : 1;
 }
 
-std::optional<QByteArray> readPrintFile(const QString& path)
+QString lineCount(const pagedcopy::Result& result)
 {
-    QFile file(path);
-    const bool opened = path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    QByteArray text;
-    if (opened)
-        text = file.readAll();
-    if (!opened || file.error() != QFileDevice::NoError) {
-        printError("cannot read "_L1 + path + ": "_L1 + file.errorString());
-        return std::nullopt;
-    }
-    return text;
+    return QString::number(result.linesWritten) + " lines ("_L1 + QString::number(result.bytesWritten) + " bytes)"_L1;
 }
 
-QString lineCount(const Delivered& delivered)
+// What went wrong in a copy, from what the copy tells; the status to exit
+// with. A device that took nothing is a printer that is not ready.
+int reportFailure(const Request& request, const pagedcopy::Result& result, const delivery::Destination* destination)
 {
-    return QString::number(delivered.lines) + " lines ("_L1 + QString::number(delivered.bytes) + " bytes)"_L1;
+    using Failure = pagedcopy::Result::Failure;
+    switch (result.failure) {
+    case Failure::None:
+        return exitSuccess;
+    case Failure::NoSuchPage:
+        printError(request.printFile + " has no page "_L1 + QString::number(*request.paging.page) + " of "_L1
+                   + QString::number(request.paging.linesPerPage) + " lines"_L1);
+        return exitFailure;
+    case Failure::WriteFailed:
+        printError("cannot write to "_L1 + request.destination + " after "_L1 + lineCount(result) + ": "_L1
+                   + result.errorText);
+        return result.bytesWritten == 0 && destination && !destination->isQueue() ? exitPrinterNotReady
+                                                                                  : exitFailure;
+    case Failure::SourceUnreadable:
+        printError("cannot read "_L1 + request.printFile + ": "_L1 + result.errorText);
+        return exitFailure;
+    case Failure::DestinationUnopenable:
+        printError("cannot open "_L1 + request.destination + ": "_L1 + result.errorText);
+        return exitPrinterNotReady;
+    }
+    return exitFailure;
 }
 
 // Opens the destination, trying again with a growing pause while it cannot
@@ -301,7 +313,7 @@ bool readyToPrint(delivery::Destination& destination, const Request& request)
     return false;
 }
 
-int send(const Request& request, const std::vector<QByteArrayView>& lines, unsigned copies)
+int send(const Request& request, PrintFileLines& lines, unsigned copies)
 {
     int status = exitSuccess;
     const std::unique_ptr<delivery::Destination> destination = openWithRetries(request, &status);
@@ -312,15 +324,12 @@ int send(const Request& request, const std::vector<QByteArrayView>& lines, unsig
     if (request.check && !readyToPrint(*destination, request))
         return exitPrinterNotReady;
 
-    const Delivered delivered =
-        sendLines(*destination, lines, request.paging, copies, request.timeout, HLibrary::askForNewSheet);
-    if (!delivered.complete) {
-        printError("cannot write to "_L1 + request.destination + " after "_L1 + lineCount(delivered) + ": "_L1
-                   + destination->errorString());
-        return delivered.bytes == 0 && !destination->isQueue() ? exitPrinterNotReady : exitFailure;
-    }
+    DestinationSink sink(*destination, request.timeout);
+    const pagedcopy::Result sent = pagedcopy::copy(lines, sink, request.paging, copies);
+    if (!sent.succeeded())
+        return reportFailure(request, sent, destination.get());
     if (!destination->close(request.timeout)) {
-        printError("cannot finish sending to "_L1 + request.destination + " after "_L1 + lineCount(delivered)
+        printError("cannot finish sending to "_L1 + request.destination + " after "_L1 + lineCount(sent)
                    + ": "_L1 + destination->errorString());
         return exitFailure;
     }
@@ -348,22 +357,24 @@ int run(Request request, const ZTConfiguration* configuration)
             return usageError("no printer "_L1 + request.printer + " in the configuration (zentaro.printers."_L1
                               + request.printer + ".uri)"_L1);
     }
+    PrintFileLines lines;
     if (request.statusOnly)
-        return send(request, {}, 0);
+        return send(request, lines, 0);
 
     if (request.destination != "-"_L1 && request.printFile != "-"_L1
         && sameFile(request.printFile, request.destination))
         return usageError(request.destination + " is the print file itself"_L1);
-    const std::optional<QByteArray> text = readPrintFile(request.printFile);
-    if (!text)
-        return exitFailure;
-    const std::optional<std::vector<QByteArrayView>> lines = pageLines(splitLines(*text), request.paging);
-    if (!lines) {
-        printError(request.printFile + " has no page "_L1 + QString::number(*request.paging.page) + " of "_L1
-                   + QString::number(request.paging.linesPerPage) + " lines"_L1);
-        return exitFailure;
-    }
-    return send(request, *lines, copiesToSend(request, configuration));
+    if (!lines.open(request.printFile))
+        return reportFailure(request, pagedcopy::Result::failed(pagedcopy::Result::Failure::SourceUnreadable,
+                                                                lines.errorString()),
+                             nullptr);
+    // A page that is not there is found before the destination is opened:
+    // a printer or a queue gets no empty job.
+    const pagedcopy::Result page = pagedcopy::skipToPage(lines, request.paging);
+    if (!page.succeeded())
+        return reportFailure(request, page, nullptr);
+    lines.rewind();
+    return send(request, lines, copiesToSend(request, configuration));
 }
 
 } // namespace

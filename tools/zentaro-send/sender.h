@@ -1,50 +1,58 @@
 #pragma once
 
-// The sender: a print file's lines, paged and paced as the command line
-// asks, as many copies as asked, to one destination opened for the whole
-// run. How the bytes travel is the destination's business.
+// What zentaro-send puts around the suite's paged copy (pagedcopy.h): the
+// print file's lines as its printers take them, and a destination opened
+// for the whole run, written in batches. How the bytes travel is the
+// destination's business.
 
 #include "destination.h"
+#include "pagedcopy.h"
 
 #include <QByteArray>
-#include <QByteArrayView>
 
-#include <functional>
-#include <optional>
 #include <vector>
 
-struct Paging
+// A print file, read whole (standard input for "-"), in the pieces it is
+// sent in: a line with its line end, or up to 127 bytes of a longer one, as
+// the printers' line buffers take them; an ESC/POS file in its LF-ended
+// lines, whatever their length.
+class PrintFileLines final : public pagedcopy::LineSource
 {
-    unsigned pauseMs = 0; // after each line
-    // Ask for a new sheet after every N lines (the first sheet takes one
-    // more); 0 never asks.
-    unsigned linesPerSheet = 0;
-    // Only page `page` (from 0) of `linesPerPage` lines; 0 lines sends the
-    // whole file.
-    std::optional<unsigned> page;
-    unsigned linesPerPage = 0;
+public:
+    bool open(const QString& path);
+    QByteArrayView nextLine() override;
+    bool atEnd() const override { return m_next >= m_text.size(); }
+    bool rewind() override;
+    QString errorString() const override { return m_error; }
+
+private:
+    QByteArray m_text;
+    qsizetype m_longest = 127;
+    qsizetype m_next = 0;
+    QString m_error;
 };
 
-// The pieces a print file is sent in: a line with its line end, or up to
-// 127 bytes of a longer one, as the printers' line buffers take them; an
-// ESC/POS file in its LF-ended lines, whatever their length.
-std::vector<QByteArrayView> splitLines(const QByteArray& text);
-
-// The lines of the page asked for; nothing when the file ends before it.
-std::optional<std::vector<QByteArrayView>> pageLines(const std::vector<QByteArrayView>& lines,
-                                                     const Paging& paging);
-
-struct Delivered
+// An open destination. Lines are gathered and written together; the copy
+// has them sent before every pause and paper prompt.
+class DestinationSink final : public pagedcopy::LineSink
 {
-    bool complete = false;
-    quint64 lines = 0;
-    quint64 bytes = 0;
-};
+public:
+    DestinationSink(delivery::Destination& destination, delivery::Milliseconds timeout)
+        : m_destination(destination), m_timeout(timeout)
+    {
+    }
 
-// Sends `copies` copies of `lines` to an open destination. Lines are
-// gathered and written together, except that whatever is gathered goes out
-// before every pause and paper prompt, so that the printer has printed up
-// to there when it comes.
-Delivered sendLines(delivery::Destination& destination, const std::vector<QByteArrayView>& lines,
-                    const Paging& paging, unsigned copies, delivery::Milliseconds timeout,
-                    const std::function<void()>& askForNewSheet);
+    bool write(QByteArrayView line) override;
+    bool flush() override;
+    quint64 linesOut() const override { return m_lines; }
+    quint64 bytesOut() const override { return m_bytesOut; }
+    QString errorString() const override { return m_destination.errorString(); }
+
+private:
+    delivery::Destination& m_destination;
+    delivery::Milliseconds m_timeout;
+    QByteArray m_bytes;
+    std::vector<quint64> m_lineEnds; // in m_bytes
+    quint64 m_lines = 0;
+    quint64 m_bytesOut = 0;
+};

@@ -9,7 +9,9 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -141,25 +143,13 @@ TEST_F(SendTest, MissingConfigurationIsAWarningOnStandardError)
     EXPECT_EQ(readBytes(path("lp0")), numberedLines(7));
 }
 
-// Reads what is waiting in the process's standard output until `expected`
-// has come, or a timeout.
-bool waitForOutput(QProcess& process, QByteArray* out, const QByteArray& expected)
-{
-    while (!out->endsWith(expected)) {
-        if (!process.waitForReadyRead(30000))
-            return false;
-        *out += process.readAllStandardOutput();
-    }
-    return true;
-}
-
 TEST_F(SendTest, PaperPromptWaitsForALine)
 {
     QProcess process;
     testsupport::startProgram(process, QStringLiteral(ZENTARO_SEND), {u"--lines-per-sheet"_s, u"3"_s, u"receipt.txt"_s, u"lp0"_s},
                               home.path());
     QByteArray out;
-    ASSERT_TRUE(waitForOutput(process, &out, "Insert a new sheet\n")) << out.toStdString();
+    ASSERT_TRUE(testsupport::waitForOutput(process, &out, "Insert a new sheet\n")) << out.toStdString();
     // Nothing more until the line comes.
     EXPECT_EQ(readBytes(path("lp0")), numberedLines(4));
     QThread::msleep(200);
@@ -174,22 +164,50 @@ TEST_F(SendTest, PaperPromptWaitsForALine)
     EXPECT_EQ(readBytes(path("lp0")), numberedLines(7));
 }
 
-// Platforms that draw nowhere are no display, whatever DISPLAY says: the
-// prompt goes to the terminal, where the end of the input answers it.
+// Platforms that draw nowhere are no display, whatever DISPLAY says, and
+// --text-prompt keeps to the terminal where there is one (here a display
+// that is not there, which a window would fail on): the prompt goes to the
+// terminal, where the end of the input answers it.
 TEST_F(SendTest, PromptOnTheTerminalWithoutAVisibleDisplay)
 {
-    const QStringList environments[] = {
-        {},
-        {u"QT_QPA_PLATFORM=offscreen"_s, u"DISPLAY=:99"_s},
-        {u"QT_QPA_PLATFORM=minimal"_s, u"WAYLAND_DISPLAY=wayland-99"_s},
-        {u"QT_QPA_PLATFORM=offscreen:fontengine=freetype"_s, u"DISPLAY=:99"_s},
+    const struct
+    {
+        QStringList environment;
+        QStringList options;
+    } cases[] = {
+        {{}, {}},
+        {{u"QT_QPA_PLATFORM=offscreen"_s, u"DISPLAY=:99"_s}, {}},
+        {{u"QT_QPA_PLATFORM=minimal"_s, u"WAYLAND_DISPLAY=wayland-99"_s}, {}},
+        {{u"QT_QPA_PLATFORM=offscreen:fontengine=freetype"_s, u"DISPLAY=:99"_s}, {}},
+        {{u"DISPLAY=:99"_s}, {u"--text-prompt"_s}},
     };
-    for (const QStringList& environment : environments) {
-        const Result result = send({u"--lines-per-sheet"_s, u"5"_s, u"receipt.txt"_s, u"lp0"_s}, environment);
+    for (const auto& [environment, options] : cases) {
+        const Result result =
+            send(options + QStringList{u"--lines-per-sheet"_s, u"5"_s, u"receipt.txt"_s, u"lp0"_s}, environment);
         EXPECT_EQ(result.status, 0) << environment.join(u' ').toStdString();
         EXPECT_EQ(result.out, "Insert a new sheet\n") << environment.join(u' ').toStdString();
         EXPECT_EQ(readBytes(path("lp0")), numberedLines(7));
     }
+}
+
+// A FIFO is tried again until a reader comes, within the timeout.
+TEST_F(SendTest, FifoWaitsForItsReader)
+{
+    QProcess process;
+    testsupport::startProgram(process, QStringLiteral(ZENTARO_SEND),
+                              {u"--timeout"_s, u"2"_s, u"--retries"_s, u"0"_s, u"receipt.txt"_s, u"fifo"_s},
+                              home.path());
+    QThread::msleep(300);
+    // Opened without waiting for a writer; what is written stays in the
+    // FIFO while this end is open.
+    const int reader = ::open(QFile::encodeName(path("fifo")).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    ASSERT_TRUE(process.waitForFinished(30000));
+    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    char buffer[256];
+    const ssize_t n = ::read(reader, buffer, sizeof buffer);
+    ::close(reader);
+    EXPECT_EQ(QByteArray(buffer, std::max<ssize_t>(n, 0)), numberedLines(7));
 }
 
 TEST_F(SendTest, PromptInTheConfiguredLanguage)
