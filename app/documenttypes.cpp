@@ -1,5 +1,9 @@
 #include "documenttypes.h"
 
+#include "diagnostics.h"
+
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 namespace DocumentTypes {
@@ -34,6 +38,15 @@ const DocumentType* find(QStringView name)
             return type;
     }
     return nullptr;
+}
+
+const DocumentType& findOrReport(QStringView name, QByteArrayView report)
+{
+    if (const DocumentType* type = find(name))
+        return *type;
+    const QByteArray shown = name.toString().toLower().toLocal8Bit();
+    printDiagnostic({report, QByteArrayView(shown.constData(), qsizetype(std::strlen(shown.constData())))});
+    return prefiscal;
 }
 
 QString names()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QLatin1StringView>
 #include <QString>
 #include <QStringView>
@@ -16,7 +17,8 @@ struct DocumentType
 
     QString key(QLatin1StringView keyWord) const { return prefix + keyWord; }
     // The setting that says how many copies of such a document to print.
-    QString copyNumberKey() const { return key(QLatin1StringView("copyNumber")); }
+    static constexpr QLatin1StringView copyNumberKeyWord{"copyNumber"};
+    QString copyNumberKey() const { return key(copyNumberKeyWord); }
 };
 
 namespace DocumentTypes {
@@ -34,6 +36,10 @@ extern const DocumentType sold;
 std::span<const DocumentType* const> all();
 // The type of that name in any letter case, or null.
 const DocumentType* find(QStringView name);
+// The same, for callers that go on with any name: one that names no type
+// is reported in a diagnostic line, `report` and the lower-cased name (up
+// to a NUL, as the suite prints it), and the prefiscal type answers for it.
+const DocumentType& findOrReport(QStringView name, QByteArrayView report);
 // The names of all types, comma-separated, for help texts.
 QString names();
 

@@ -475,8 +475,3 @@ bool XmlReader::parse(QIODevice* input)
     }
     return d->handler.endDocument();
 }
-
-bool parseXml(QIODevice* input, XmlContentHandler& handler)
-{
-    return XmlReader(handler).parse(input);
-}

@@ -208,6 +208,3 @@ private:
     struct Private;
     std::unique_ptr<Private> d;
 };
-
-// The reader's common use: parse with the default settings.
-bool parseXml(QIODevice* input, XmlContentHandler& handler);

@@ -171,7 +171,7 @@ public:
         const std::size_t misreadBefore = driver->misreadSettings().size();
         noteReports(before);
 
-        const bool isMethod = isName(qName, "method"_L1);
+        const bool isMethod = isName(qName, Documents::methodElement);
         const std::size_t foundBefore = findings.size();
         if (isMethod && !checkMethod(tag, atts))
             return false;
@@ -253,7 +253,7 @@ private:
     // it would stop there too, with "File Format Not Supported".
     bool checkMethod(const Place& tag, const XmlAttributes& atts)
     {
-        const QStringView name = atts.value("name"_L1);
+        const QStringView name = atts.value(Documents::methodAttribute);
         const qint64 here = written();
         sawMethod = true;
         document = Documents::find(name);
@@ -271,7 +271,7 @@ private:
         }
         for (qsizetype i = 0; i < atts.size(); ++i) {
             const QString attribute = atts.at(i).qualifiedName();
-            if (!isName(attribute, "name"_L1)) {
+            if (!isName(attribute, Documents::methodAttribute)) {
                 addRequestFinding(here, attributePlace(request, tag, attribute.toUtf8()),
                                   "attribute "_L1 + quoted(attribute)
                                       + " of <method> is not read: only \"name\" is"_L1,
@@ -308,7 +308,7 @@ private:
         for (qsizetype i = 0; i < atts.size(); ++i) {
             const QString attribute = atts.at(i).qualifiedName();
             if (element->reads(i, attribute)) {
-                checkQuotes(tag, here, qName, *element, atts.at(i));
+                checkQuotes(tag, here, qName, *element, i, atts.at(i));
                 continue;
             }
             QString what = "attribute "_L1 + quoted(attribute) + " of <"_L1 + qName + "> is not read by "_L1 + method;
@@ -327,12 +327,11 @@ private:
     // The suite's printer takes a double quote inside printed text for the
     // end of the line: what follows it becomes a command.
     void checkQuotes(const Place& tag, qint64 here, const QString& qName, const Documents::Element& element,
-                     const XmlAttribute& attribute)
+                     qsizetype position, const XmlAttribute& attribute)
     {
-        const Documents::Attribute* listed = element.attribute(attribute.qualifiedName());
-        const bool printed = element.use == Documents::Use::Printed
-                             && (!listed || listed->use == Documents::Use::Printed);
-        if (!printed || driver->documentSettings().safeText || !attribute.value().contains(u'"'))
+        const DocumentSettings& settings = driver->documentSettings();
+        if (settings.safeText || !attribute.value().contains(u'"')
+            || !element.prints(position, attribute.qualifiedName(), settings))
             return;
         const QString name = attribute.qualifiedName();
         addRequestFinding(here, attributePlace(request, tag, name.toUtf8()),

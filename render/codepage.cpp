@@ -53,18 +53,22 @@ QString closestText(char32_t character)
 QByteArray CodePage::localeEncoding()
 {
     static const QByteArray encoding = [] {
+        QByteArray name = "US-ASCII"_ba;
         if (std::setlocale(LC_ALL, "")) {
-            // Named as Qt names it: "US-ASCII" rather than "ANSI_X3.4-1968".
-            const QStringEncoder encoder(nl_langinfo(CODESET));
-            return QByteArray(encoder.isValid() ? encoder.name() : nl_langinfo(CODESET));
+            name = nl_langinfo(CODESET);
+        } else {
+            // A locale the system does not have still names its character set.
+            for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+                const QByteArray locale = qgetenv(variable);
+                if (!locale.isEmpty()) {
+                    name = codesetOfName(locale);
+                    break;
+                }
+            }
         }
-        // A locale the system does not have still names its character set.
-        for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-            const QByteArray locale = qgetenv(variable);
-            if (!locale.isEmpty())
-                return codesetOfName(locale);
-        }
-        return "US-ASCII"_ba;
+        // Named as Qt names it: "US-ASCII" rather than "ANSI_X3.4-1968".
+        const QStringEncoder encoder(name.constData());
+        return encoder.isValid() ? QByteArray(encoder.name()) : "UTF-8"_ba;
     }();
     return encoding;
 }

@@ -18,7 +18,9 @@ class CodePage
 {
 public:
     // The character set of the process's locale: UTF-8 under a UTF-8
-    // locale, ISO-8859-15 under it_IT@euro, ASCII under C.
+    // locale, ISO-8859-15 under it_IT@euro, ASCII under C; UTF-8 for one
+    // that Qt has no encoder for. Text a document names no code page for is
+    // printed in it.
     static QByteArray localeEncoding();
 
     // A code page by any name Qt's encoders know (CP437, IBM850, CP858,

@@ -16,7 +16,7 @@ void PrinterDriver::printGeometry(const XmlAttributes&)
     if (!settings.printGeometry)
         return;
     // A runaway margin would only fill the disk.
-    const int topMargin = readWidthSetting(*config, docPath + "topMargin"_L1, &misread);
+    const int topMargin = readWidthSetting(*config, docPath + SettingKey::topMargin, &misread);
     for (int i = 0; i < topMargin; ++i)
         println(QString());
 }

@@ -186,6 +186,16 @@ bool Element::reads(qsizetype position, QStringView name) const
     return (everyAttributeFrom >= 0 && position >= everyAttributeFrom) || attribute(name);
 }
 
+bool Element::prints(qsizetype position, QStringView name, const DocumentSettings& settings) const
+{
+    const auto on = [&settings](Switch which) { return !which || settings.*which; };
+    if (use != Use::Printed || !on(switchedBy))
+        return false;
+    if (const Attribute* listed = attribute(name))
+        return listed->use == Use::Printed && on(listed->switchedBy);
+    return everyAttributeFrom >= 0 && position >= everyAttributeFrom && on(everyAttributeSwitchedBy);
+}
+
 const Element* Document::element(QStringView name) const
 {
     if (sharesSections) {

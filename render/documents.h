@@ -21,6 +21,10 @@ namespace Documents {
 
 class DocumentTable;
 
+// The element that names a request's document, by its attribute "name".
+inline constexpr QLatin1StringView methodElement("method");
+inline constexpr QLatin1StringView methodAttribute("name");
+
 // Whether what is read reaches the paper.
 enum class Use {
     Printed, // prints (when its switch, if any, is on)
@@ -54,6 +58,8 @@ struct Element
     const Attribute* attribute(QStringView name) const;
     // Whether the attribute at `position` named `name` is read.
     bool reads(qsizetype position, QStringView name) const;
+    // Whether it also reaches the paper with these settings.
+    bool prints(qsizetype position, QStringView name, const DocumentSettings& settings) const;
 };
 
 // What choosing a document does to the driver's duplicate flag.

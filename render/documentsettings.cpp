@@ -4,10 +4,28 @@
 #include "ztconfiguration.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// What the settings that are no switches take; any other is free text.
+constexpr std::pair<QLatin1StringView, SettingKind> kinds[] = {
+    {SettingKey::quantityFieldWidth, SettingKind::Number},
+    {SettingKey::priceFieldWidth, SettingKind::Number},
+    {SettingKey::totalPriceFieldWidth, SettingKind::Number},
+    {SettingKey::paperWidth, SettingKind::Number},
+    {SettingKey::paperRows, SettingKind::Number},
+    {SettingKey::topMargin, SettingKind::Number},
+    {SettingKey::descriptionWidth, SettingKind::Number},
+    {SettingKey::codePageNumber, SettingKind::Number},
+    {SettingKey::dotsPerLine, SettingKind::Number},
+    {SettingKey::cutFeed, SettingKind::Number},
+    {DocumentType::copyNumberKeyWord, SettingKind::Number},
+    {SettingKey::safeText, SettingKind::Switch},
+    {SettingKey::codePage, SettingKind::CodePage},
+};
 
 constexpr SwitchKey switches[] = {
     {"printGeometry"_L1, &DocumentSettings::printGeometry},
@@ -86,7 +104,7 @@ private:
 // The printer's dialect and what only ESC/POS printers read.
 void readDeviceSettings(SettingsReader& read, DocumentSettings& settings)
 {
-    const QString dialect = read.text("dialect"_L1).trimmed();
+    const QString dialect = read.text(SettingKey::dialect).trimmed();
     if (dialect == "escpos"_L1)
         settings.dialect = Dialect::EscPos;
     else if (dialect == "command-text"_L1)
@@ -94,15 +112,15 @@ void readDeviceSettings(SettingsReader& read, DocumentSettings& settings)
     else if (!dialect.isEmpty())
         settings.unknownDialect = dialect;
     // A number the printer cannot take (a byte) is no override.
-    if (!read.text("codePageNumber"_L1).isEmpty()) {
-        const int number = read.number("codePageNumber"_L1);
+    if (!read.text(SettingKey::codePageNumber).isEmpty()) {
+        const int number = read.number(SettingKey::codePageNumber);
         settings.codePageNumber = number >= 0 && number <= 255 ? number : -1;
     }
-    settings.logo = read.text("logo"_L1).trimmed();
-    if (const int dots = read.width("dotsPerLine"_L1); dots > 0)
+    settings.logo = read.text(SettingKey::logo).trimmed();
+    if (const int dots = read.width(SettingKey::dotsPerLine); dots > 0)
         settings.dotsPerLine = dots;
-    if (!read.text("cutFeed"_L1).isEmpty())
-        settings.cutFeed = std::clamp(read.number("cutFeed"_L1), 0, 255);
+    if (!read.text(SettingKey::cutFeed).isEmpty())
+        settings.cutFeed = std::clamp(read.number(SettingKey::cutFeed), 0, 255);
 }
 
 } // namespace
@@ -110,6 +128,19 @@ void readDeviceSettings(SettingsReader& read, DocumentSettings& settings)
 std::span<const SwitchKey> switchKeys()
 {
     return switches;
+}
+
+SettingKind settingKind(QStringView keyWord)
+{
+    for (const SwitchKey& key : switches) {
+        if (keyWord == key.keyWord)
+            return SettingKind::Switch;
+    }
+    for (const auto& [known, kind] : kinds) {
+        if (keyWord == known)
+            return kind;
+    }
+    return SettingKind::Text;
 }
 
 void MisreadSettings::note(const QString& key, const QString& text, bool isSwitch)
@@ -135,21 +166,21 @@ DocumentSettings readDocumentSettings(const ZTConfiguration& configuration, cons
 {
     SettingsReader read(configuration, type.prefix, misread);
     DocumentSettings settings;
-    settings.quantityFieldWidth = read.width("quantityFieldWidth"_L1);
-    settings.priceFieldWidth = read.width("priceFieldWidth"_L1);
-    settings.totalPriceFieldWidth = read.width("totalPriceFieldWidth"_L1);
-    settings.paperWidth = read.width("paperWidth"_L1);
-    settings.paperRows = read.number("paperRows"_L1);
+    settings.quantityFieldWidth = read.width(SettingKey::quantityFieldWidth);
+    settings.priceFieldWidth = read.width(SettingKey::priceFieldWidth);
+    settings.totalPriceFieldWidth = read.width(SettingKey::totalPriceFieldWidth);
+    settings.paperWidth = read.width(SettingKey::paperWidth);
+    settings.paperRows = read.number(SettingKey::paperRows);
     if (settings.paperWidth == 0)
         settings.paperWidth = defaultPaperWidth;
-    settings.style = read.text("style"_L1);
+    settings.style = read.text(SettingKey::style);
     for (const SwitchKey& key : switches)
         settings.*key.member = read.flag(key.keyWord);
-    settings.safeText = read.flag("safeText"_L1);
-    settings.codePage = read.text("codePage"_L1).trimmed().toLatin1();
+    settings.safeText = read.flag(SettingKey::safeText);
+    settings.codePage = read.text(SettingKey::codePage).trimmed().toLatin1();
     readDeviceSettings(read, settings);
     if (&type == &DocumentTypes::fiscal) {
-        settings.descriptionWidth = read.width("descriptionWidth"_L1);
+        settings.descriptionWidth = read.width(SettingKey::descriptionWidth);
         if (settings.descriptionWidth == 0)
             settings.descriptionWidth = defaultPaperWidth;
     }

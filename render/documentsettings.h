@@ -85,6 +85,39 @@ struct SwitchKey
 // The switches, in the order they are read.
 std::span<const SwitchKey> switchKeys();
 
+// The key words of a document's settings, besides its switches.
+namespace SettingKey {
+inline constexpr QLatin1StringView quantityFieldWidth("quantityFieldWidth");
+inline constexpr QLatin1StringView priceFieldWidth("priceFieldWidth");
+inline constexpr QLatin1StringView totalPriceFieldWidth("totalPriceFieldWidth");
+inline constexpr QLatin1StringView paperWidth("paperWidth");
+inline constexpr QLatin1StringView paperRows("paperRows");
+inline constexpr QLatin1StringView style("style");
+inline constexpr QLatin1StringView safeText("safeText");
+inline constexpr QLatin1StringView codePage("codePage");
+inline constexpr QLatin1StringView descriptionWidth("descriptionWidth");
+inline constexpr QLatin1StringView dialect("dialect");
+inline constexpr QLatin1StringView codePageNumber("codePageNumber");
+inline constexpr QLatin1StringView logo("logo");
+inline constexpr QLatin1StringView dotsPerLine("dotsPerLine");
+inline constexpr QLatin1StringView cutFeed("cutFeed");
+// The blank lines above a document, read where they are printed.
+inline constexpr QLatin1StringView topMargin("topMargin");
+} // namespace SettingKey
+
+// What the print run makes of a setting's text, which tools check a new
+// value against before they write it.
+enum class SettingKind {
+    Text,     // any text
+    Number,   // a whole number: field widths, margins, copies
+    Switch,   // "true" or "false"
+    CodePage, // the name of a character set the print run knows
+};
+
+// The kind of a document's setting by its key word, the last field of its
+// key; free text for any word that is no setting of a document.
+SettingKind settingKind(QStringView keyWord);
+
 // A setting whose text read as 0 or false although it was neither empty nor
 // "false": "yes" for a switch, "wide" for a width.
 struct MisreadSetting

@@ -21,7 +21,7 @@ void EscPosPrinterDriver::command(QByteArrayView bytes)
 // fiscal printer whatever its settings say.
 bool EscPosPrinterDriver::choosesEscPos()
 {
-    const auto key = [this] { return (docPath + "dialect"_L1).toLatin1(); };
+    const auto key = [this] { return (docPath + SettingKey::dialect).toLatin1(); };
     if (!settings.unknownDialect.isEmpty()) {
         printDiagnostic({"Unknown dialect \"", settings.unknownDialect.toLocal8Bit(), "\" in ", key(),
                          ": the document is written as command text"});
@@ -61,7 +61,7 @@ void EscPosPrinterDriver::selectCodePage()
         number = EscPos::codePageNumber(codePageInForce().name());
     if (number < 0) {
         printDiagnostic({"Code page ", codePageInForce().name(), " has no ESC/POS number; set ",
-                         (docPath + "codePageNumber"_L1).toLatin1(),
+                         (docPath + SettingKey::codePageNumber).toLatin1(),
                          ": the document is written in CP437, the printer's first page"});
         chooseCodePage("CP437"_ba);
         number = 0;
@@ -187,7 +187,7 @@ const QByteArray& EscPosPrinterDriver::logoCommand()
     QString error;
     const std::optional<RasterImage> image = readRasterLogo(logoPath, logoDots, &error);
     if (!image) {
-        printDiagnostic({"The logo ", logoPath.toLocal8Bit(), " in ", (docPath + "logo"_L1).toLatin1(),
+        printDiagnostic({"The logo ", logoPath.toLocal8Bit(), " in ", (docPath + SettingKey::logo).toLatin1(),
                          " cannot be read (", error.toLocal8Bit(), "): nothing is printed for it"});
         return logoBytes;
     }

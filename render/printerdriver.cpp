@@ -19,10 +19,6 @@ PrinterDriver::PrinterDriver(QIODevice& device, const ZTConfiguration& configura
     // the locale's.
     codePages.push_back(std::make_unique<CodePage>());
     codePage = codePages.back().get();
-    if (!codePage->isValid()) {
-        codePages.back() = std::make_unique<CodePage>("UTF-8"_ba);
-        codePage = codePages.back().get();
-    }
     // The stream gathers the text in large pieces of its own: the device
     // needs no buffer, and without one a write at the end of a run that ran
     // out of memory has nothing to allocate.
@@ -73,22 +69,24 @@ bool PrinterDriver::printDuplicate()
     return duplicate;
 }
 
+// The diagnostic's exact text is the suite's interface, naming the suite's
+// own function.
+constexpr QByteArrayView unknownTypeReport("Error into PrinterDriver::documentPath:  ");
+
 QString PrinterDriver::documentPath(const QString& type)
 {
-    if (const DocumentType* known = DocumentTypes::find(type))
-        return known->prefix;
-    // The name is shown as a C string: it ends at its first NUL.
-    const QByteArray shown = type.toLower().toLocal8Bit();
-    printDiagnostic({"Error into PrinterDriver::documentPath:  ",
-                     QByteArrayView(shown.constData(), qsizetype(std::strlen(shown.constData())))});
-    return DocumentTypes::prefiscal.prefix;
+    return DocumentTypes::findOrReport(type, unknownTypeReport).prefix;
 }
 
 void PrinterDriver::loadValues(const QString& type)
 {
-    docPath = documentPath(type);
-    const DocumentType* known = DocumentTypes::find(type);
-    settings = readDocumentSettings(*config, known ? *known : DocumentTypes::prefiscal, &misread);
+    loadSettings(DocumentTypes::findOrReport(type, unknownTypeReport));
+}
+
+void PrinterDriver::loadSettings(const DocumentType& type)
+{
+    docPath = type.prefix;
+    settings = readDocumentSettings(*config, type, &misread);
     chooseCodePage(settings.codePage);
 }
 
@@ -104,7 +102,7 @@ void PrinterDriver::chooseCodePage(const QByteArray& name)
             page->logReplacements(replacementLog);
             chosen = codePages.emplace_back(std::move(page)).get();
         } else {
-            printDiagnostic({"Unknown code page \"", name, "\" in ", docPath.toLatin1(), "codePage",
+            printDiagnostic({"Unknown code page \"", name, "\" in ", docPath.toLatin1(), SettingKey::codePage,
                              ": the print file is written in ", chosen->name()});
         }
     }
@@ -155,7 +153,7 @@ QByteArray PrinterDriver::replacementSummary() const
 bool PrinterDriver::startElement(const QString&, const QString&, const QString& qName,
                                  const XmlAttributes& atts)
 {
-    if (!isName(qName, "method"_L1)) {
+    if (!isName(qName, Documents::methodElement)) {
         // Elements before the method element, after an unknown one, or that
         // the document does not read are ignored.
         if (const Documents::Element* element = elementOf(qName))
@@ -163,12 +161,12 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
         return true;
     }
 
-    if (const Documents::Document* chosen = Documents::find(atts.value("name"_L1))) {
+    if (const Documents::Document* chosen = Documents::find(atts.value(Documents::methodAttribute))) {
         chooseDocument(*chosen);
         return true;
     }
     printDiagnostic({"File Format Not Supported"});
-    rejectedMethod = atts.value("name"_L1).toString();
+    rejectedMethod = atts.value(Documents::methodAttribute).toString();
     currentMethod = emptyText();
     currentDocument = nullptr;
     lastElement = nullptr;
@@ -177,7 +175,7 @@ bool PrinterDriver::startElement(const QString&, const QString&, const QString& 
 
 void PrinterDriver::chooseDocument(const Documents::Document& chosen)
 {
-    loadValues(chosen.type.name);
+    loadSettings(chosen.type);
     if (chosen.duplicate == Documents::DuplicateEffect::Set)
         duplicate = true;
     else if (chosen.duplicate == Documents::DuplicateEffect::Clear)

@@ -23,10 +23,13 @@ class ZTConfiguration;
 // gives it. Concrete devices supply the operations that write bytes.
 //
 // The members and virtual operations keep the names of the suite's own
-// driver, including state this renderer only stores (the printer's
-// charsize, ipaddress and port, the credit, paperRows), so that code written
-// against it reads the same. The suite's document methods
-// are the entries of the document table.
+// driver, so that code written against it reads the same, including what
+// nothing here reads or overrides: the state this renderer only stores (the
+// printer's charsize, ipaddress and port, paperRows, the print file as
+// `file`), the hooks reset() and initPrinter(), getPaperWidth(),
+// printSections() and printDuplicate(), and the device's five-text
+// printRowFiscal. The suite's document methods are the entries of the
+// document table.
 class PrinterDriver : public XmlContentHandler
 {
     Q_DECLARE_TR_FUNCTIONS(PrinterDriver)
@@ -201,6 +204,7 @@ protected:
 
 private:
     void chooseDocument(const Documents::Document& document);
+    void loadSettings(const DocumentType& type);
     // The element of the document in force named `name`, or null.
     const Documents::Element* elementOf(QStringView name);
 

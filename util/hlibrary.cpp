@@ -218,13 +218,10 @@ void HLibrary::hsleep(unsigned seconds)
 
 QString HLibrary::copyNumber(const QString& documentType, const ZTConfiguration* configuration)
 {
-    const DocumentType* type = DocumentTypes::find(documentType);
-    if (!type) {
-        // The exact text is the suite's interface; the function it names is the suite's, not ours.
-        printDiagnostic({"Error into HLibrary::copyNumber::documentPath: ", documentType.toLower().toLocal8Bit()});
-        type = &DocumentTypes::prefiscal;
-    }
-    return setting(configuration, type->copyNumberKey());
+    // The exact text is the suite's interface; the function it names is the suite's, not ours.
+    const DocumentType& type =
+        DocumentTypes::findOrReport(documentType, "Error into HLibrary::copyNumber::documentPath: ");
+    return setting(configuration, type.copyNumberKey());
 }
 
 QString HLibrary::truncateDecimal(double value)

@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     svg.setData(preview::svgPicture(paper));
     svg.open(QIODevice::ReadOnly);
     XmlContentHandler ignore;
-    if (!parseXml(&svg, ignore))
+    if (!XmlReader(ignore).parse(&svg))
         std::abort();
     return 0;
 }

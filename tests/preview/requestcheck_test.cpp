@@ -69,8 +69,9 @@ TEST(RequestCheck, FindsWhatTheDocumentDoesNotRead)
          {u"r.xml: no printed line: element <receipe> comes before the method element: it is not read "
           "(request line 2, column 1)"_s,
           u"r.xml: no printed line: the request has no method element: nothing is printed"_s}},
-        {"a double quote in printed text, harmless only where safeText is on",
+        {"a double quote in printed text, harmless where safeText is on or its switch is off",
          "<r>\n<method name=\"printPartialOrder\"/>\n<receipe number='1' name='Pizza \"4\"'/>\n"
+         "<orderinfo note='the \"usual\"'/>\n"
          "<method name=\"printFullOrderReceipt\"/>\n<receipe number='1' name='Pizza \"4\"' price='1' totalPrice='1'/>\n</r>\n",
          {u"r.xml: printed line 1: attribute \"name\" of <receipe> holds a double quote, which ends the printer's "
           "line early; safeText = \"true\" prints it as an apostrophe (request line 3, column 21)"_s}},

@@ -1,7 +1,7 @@
 #include "documents.h"
 #include "documenttypes.h"
+#include "render.h"
 #include "testdriver.h"
-#include "xmlreader.h"
 
 #include <gtest/gtest.h>
 
@@ -18,14 +18,14 @@ struct Parsed
 
 Parsed parse(const char* xml)
 {
-    TestDriver driver;
     QBuffer input;
     input.setData(xml);
     input.open(QIODevice::ReadOnly);
+    QBuffer printFile;
     testing::internal::CaptureStdout();
-    const bool complete = parseXml(&input, driver);
+    const bool complete = renderRequest(input, printFile, testConfiguration()).complete;
     const std::string out = testing::internal::GetCapturedStdout();
-    return {complete, driver.bytes().toStdString(), out};
+    return {complete, printFile.data().toStdString(), out};
 }
 
 TEST(Dispatch, MethodElementChoosesTheDocument)

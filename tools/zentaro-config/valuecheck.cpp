@@ -1,17 +1,16 @@
 #include "valuecheck.h"
 
 #include "codepage.h"
-#include "settingkind.h"
+#include "documentsettings.h"
 
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
-using libconfig::SettingKind;
 
 QString valueProblem(const QString& key, const QString& value)
 {
     const QStringView keyWord = QStringView(key).sliced(key.lastIndexOf(u'.') + 1);
-    switch (libconfig::settingKind(keyWord)) {
+    switch (settingKind(keyWord)) {
     case SettingKind::Number: {
         static const QRegularExpression digits(u"^[0-9]+$"_s);
         bool fits = false;

@@ -101,7 +101,7 @@ TEST_F(PreviewTool, AFailedWriteToStandardOutputIsReported)
 {
     const QByteArray program = ZENTARO_PREVIEW, input = path(u"flagged.xml"_s).toLocal8Bit();
     const QByteArray errors = path(u"errors.txt"_s).toLocal8Bit(), home = "HOME=" + work.path().toLocal8Bit();
-    for (const QByteArray output : {QByteArray("-"), path(u"flagged.svg"_s).toLocal8Bit()}) {
+    for (const QByteArray& output : {QByteArray("-"), path(u"flagged.svg"_s).toLocal8Bit()}) {
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
         close(ends[0]);

@@ -161,8 +161,9 @@ TEST_F(PrintRun, StrictRunsReportEachFault)
         EXPECT_EQ(strict.status, 1) << c.name;
         EXPECT_TRUE(strict.err.startsWith(QByteArray("zentaro-print: ") + c.error)) << c.name << ": " << strict.err.toStdString();
         EXPECT_EQ(strict.err.count('\n'), 1) << c.name;
-        if (c.said)
+        if (c.said) {
             EXPECT_TRUE(plain.out.contains(c.said) && strict.out.contains(c.said)) << c.name;
+        }
     }
     EXPECT_EQ(run({u"--strict"_s, requestPath}).status, 2);
     EXPECT_EQ(run({u"--strict"_s, requestPath, printPath}).status, 0);
