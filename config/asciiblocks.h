@@ -65,10 +65,18 @@ inline bool widenBlock(const char* in, qsizetype at, char16_t* out, bool blankCo
     __m128i bytes = width == 16 ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at))
                     : width == 8 ? load64(in + at)
                                  : load32(in + at);
-    if (_mm_movemask_epi8(bytes) != 0)
-        return false;
-    if (blankControls)
+    // Most text has neither control characters nor letters outside ASCII:
+    // one signed comparison finds both (bytes from 0x80 compare below a
+    // blank), and only a block that has some looks closer.
+    const __m128i special = blankControls
+        ? _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x7f)))
+        : bytes;
+    constexpr int lanes = width == 16 ? 0xffff : width == 8 ? 0xff : 0xf;
+    if ((_mm_movemask_epi8(special) & lanes) != 0) {
+        if ((_mm_movemask_epi8(bytes) & lanes) != 0)
+            return false;
         bytes = blanked(bytes);
+    }
     auto* to = reinterpret_cast<__m128i*>(out + at);
     if (width == 16) {
         _mm_storeu_si128(to, _mm_unpacklo_epi8(bytes, zero));
@@ -118,6 +126,32 @@ inline unsigned atLeastMask(const char16_t* in, qsizetype at, char16_t limit)
 #endif
 
 } // namespace Detail
+
+// Copies `size` bytes, for the short pieces a printed line is made of: in a
+// few overlapping word-sized moves rather than through a call meant for
+// long runs.
+inline void copyShort(char* out, const char* in, std::size_t size)
+{
+    const auto move = [out, in](std::size_t at, auto word) {
+        std::memcpy(&word, in + at, sizeof word);
+        std::memcpy(out + at, &word, sizeof word);
+    };
+    if (size >= 16) {
+        struct Block { quint64 low, high; };
+        for (std::size_t i = 0; i + 16 <= size; i += 16)
+            move(i, Block());
+        move(size - 16, Block());
+    } else if (size >= 8) {
+        move(0, quint64());
+        move(size - 8, quint64());
+    } else if (size >= 4) {
+        move(0, quint32());
+        move(size - 4, quint32());
+    } else {
+        for (std::size_t i = 0; i < size; ++i)
+            out[i] = in[i];
+    }
+}
 
 // Widens the leading ASCII of `in` into `out`, control characters (below
 // 0x20, and 0x7F) as blanks when asked; answers how many bytes were copied,
@@ -189,6 +223,52 @@ inline qsizetype narrow(const char16_t* in, qsizetype length, char* out)
     return Detail::narrowTail(in, 0, length, out);
 }
 
+// Whether every byte of `in` is a printable ASCII character, from the blank
+// to the tilde: text that prints as it stands on any printer.
+inline bool isPrintableAscii(const char* in, qsizetype length)
+{
+#if defined(__SSE2__)
+    // Bytes from 0x80 compare below a blank, as signed numbers.
+    const auto unprintable = [](__m128i bytes, int lanes) {
+        const __m128i odd = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)),
+                                         _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x7f)));
+        return (_mm_movemask_epi8(odd) & lanes) != 0;
+    };
+    if (length >= 16) {
+        qsizetype i = 0;
+        for (; length - i >= 16; i += 16) {
+            if (unprintable(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i)), 0xffff))
+                return false;
+        }
+        return i == length || !unprintable(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + length - 16)), 0xffff);
+    }
+    if (length >= 8)
+        return !unprintable(Detail::load64(in), 0xff) && !unprintable(Detail::load64(in + length - 8), 0xff);
+    if (length >= 4)
+        return !unprintable(Detail::load32(in), 0xf) && !unprintable(Detail::load32(in + length - 4), 0xf);
+#endif
+    for (qsizetype i = 0; i < length; ++i) {
+        const auto c = static_cast<unsigned char>(in[i]);
+        if (c < 0x20 || c >= 0x7f)
+            return false;
+    }
+    return true;
+}
+
+// Whether `in`, valid UTF-8, holds no control character and no character
+// from U+0300 on: text that a UTF-8 printer prints as it stands, as nothing
+// in it combines with what comes before.
+inline bool isPrintableUtf8BelowCombining(const char* in, qsizetype length)
+{
+    for (qsizetype i = 0; i < length; ++i) {
+        const auto c = static_cast<unsigned char>(in[i]);
+        // U+0300 starts with the byte 0xCC; continuation bytes are below it.
+        if (c < 0x20 || c == 0x7f || c >= 0xcc)
+            return false;
+    }
+    return true;
+}
+
 // Whether any character of `in` is `limit` or above.
 inline bool anyAtLeast(const char16_t* in, qsizetype length, char16_t limit)
 {
@@ -232,6 +312,33 @@ inline qsizetype indexOf(const char16_t* in, qsizetype length, char16_t c, qsize
         const qsizetype at = length - 8;
         const unsigned mask = found(at) >> (2 * (i - at));
         return mask ? i + __builtin_ctz(mask) / 2 : -1;
+    }
+#endif
+    for (; i < length; ++i) {
+        if (in[i] == c)
+            return i;
+    }
+    return -1;
+}
+
+// The position of the first byte `c` in `in` from `from` on, or -1.
+inline qsizetype indexOf(const char* in, qsizetype length, char c, qsizetype from = 0)
+{
+    qsizetype i = from;
+#if defined(__SSE2__)
+    const __m128i wanted = _mm_set1_epi8(c);
+    const auto found = [&wanted, in](qsizetype at) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+        return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)));
+    };
+    for (; length - i >= 16; i += 16) {
+        if (const unsigned mask = found(i))
+            return i + __builtin_ctz(mask);
+    }
+    if (i < length && length >= 16) {
+        const qsizetype at = length - 16;
+        const unsigned mask = found(at) >> (i - at);
+        return mask ? i + __builtin_ctz(mask) : -1;
     }
 #endif
     for (; i < length; ++i) {

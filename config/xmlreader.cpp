@@ -28,35 +28,48 @@ XmlAttributes& XmlAttributes::operator=(const XmlAttributes& other)
     if (this == &other)
         return *this;
     clear();
-    for (const XmlAttribute& attribute : other.items)
-        append(QString::fromUtf8(attribute.m_name), attribute.m_value);
+    blankControls = other.blankControls;
+    for (const XmlAttribute& attribute : other)
+        append(attribute.qualifiedName(), attribute.m_value);
     return *this;
 }
 
-const char* XmlAttributes::keepName(QByteArrayView utf8)
+const char* XmlAttributes::keep(QByteArrayView bytes)
 {
-    auto& kept = keptNames.emplace_back(new char[std::size_t(utf8.size()) + 1]);
-    std::copy_n(utf8.data(), utf8.size(), kept.get());
-    kept[std::size_t(utf8.size())] = '\0';
-    return kept.get();
+    auto& copy = kept.emplace_back(new char[std::size_t(bytes.size()) + 1]);
+    std::copy_n(bytes.data(), bytes.size(), copy.get());
+    copy[std::size_t(bytes.size())] = '\0';
+    return copy.get();
 }
 
 void XmlAttributes::append(QStringView qualifiedName, QStringView value)
 {
-    const char* name = keepName(qualifiedName.toUtf8());
+    decodeValues();
+    const QByteArray utf8 = value.toUtf8();
+    const QByteArray name = qualifiedName.toUtf8();
+    XmlAttribute& attribute = items.emplace_back();
+    attribute.m_name = keep(name);
+    attribute.m_nameSize = name.size();
+    attribute.m_utf8 = QByteArrayView(keep(utf8), utf8.size());
     char16_t* begin = reserve(value.size());
-    add(name, begin, std::copy_n(value.utf16(), value.size(), begin));
+    attribute.m_value = QStringView(begin, std::copy_n(value.utf16(), value.size(), begin));
+    used += value.size();
+    decoded = items.size();
 }
 
 void XmlAttributes::clear()
 {
     used = 0;
     items.clear();
-    keptNames.clear();
+    decoded = 0;
+    undecodedUnits = 0;
+    kept.clear();
 }
 
-void XmlAttributes::grow(qsizetype count)
+char16_t* XmlAttributes::reserve(qsizetype count) const
 {
+    if (capacity - used >= count)
+        return buffer.get() + used;
     const qsizetype grown = qMax(2 * capacity, used + count + 256);
     // Allocated like the toolkit's own texts, so that running out of memory
     // shows the same way: as std::bad_alloc, which the caller may handle.
@@ -65,12 +78,47 @@ void XmlAttributes::grow(qsizetype count)
     if (!larger)
         throw std::bad_alloc();
     std::copy_n(buffer.get(), used, larger.get());
-    for (XmlAttribute& attribute : items) {
+    for (std::size_t i = 0; i < decoded; ++i) {
+        XmlAttribute& attribute = items[i];
         const char16_t* value = larger.get() + (attribute.m_value.utf16() - buffer.get());
         attribute.m_value = QStringView(value, attribute.m_value.size());
     }
     buffer = std::move(larger);
     capacity = grown;
+    return buffer.get() + used;
+}
+
+namespace {
+
+bool isControl(char16_t c)
+{
+    return c < 0x20 || c == 0x7f;
+}
+
+} // namespace
+
+void XmlAttributes::decodeRest() const
+{
+    char16_t* out = reserve(undecodedUnits);
+    for (; decoded < items.size(); ++decoded) {
+        XmlAttribute& attribute = items[decoded];
+        const char* utf8 = attribute.m_utf8.data();
+        const qsizetype length = attribute.m_utf8.size();
+        // Most request text is ASCII, which is widened in blocks.
+        const qsizetype ascii = AsciiBlocks::widen(utf8, length, out, blankControls);
+        char16_t* end = out + ascii;
+        if (ascii < length) {
+            // The parser hands over valid UTF-8 only.
+            end = reinterpret_cast<char16_t*>(QStringDecoder(QStringDecoder::Utf8).appendToBuffer(
+                reinterpret_cast<QChar*>(end), QByteArrayView(utf8 + ascii, length - ascii)));
+            if (blankControls)
+                std::replace_if(out + ascii, end, isControl, u' ');
+        }
+        attribute.m_value = QStringView(out, end);
+        out = end;
+    }
+    used = out - buffer.get();
+    undecodedUnits = 0;
 }
 
 bool XmlContentHandler::startElement(const QString&, const QString&, const QString&,
@@ -140,11 +188,6 @@ private:
     const Name* last = &names[0];
     std::size_t next = 0;
 };
-
-bool isControl(char16_t c)
-{
-    return c < 0x20 || c == 0x7f;
-}
 
 // Whether the first bytes of a document say which encoding it is in: a
 // byte-order mark, the zero bytes of UTF-16, or an encoding declaration.
@@ -229,32 +272,13 @@ struct XmlReader::Private
         }
     }
 
-    // Decodes one name or value into `out`, answering where it ends. Most
-    // request text is ASCII, which is widened eight bytes at a time.
-    char16_t* decode(const char* utf8, qsizetype length, char16_t* out, bool blank)
-    {
-        const qsizetype ascii = AsciiBlocks::widen(utf8, length, out, blank);
-        char16_t* end = out + ascii;
-        if (ascii < length) {
-            // Expat hands over valid UTF-8 only, so the decoder's state stays clean.
-            end = reinterpret_cast<char16_t*>(utf8Decoder.appendToBuffer(
-                reinterpret_cast<QChar*>(end), QByteArrayView(utf8 + ascii, length - ascii)));
-            if (blank)
-                std::replace_if(out + ascii, end, isControl, u' ');
-        }
-        return end;
-    }
-
-    // The values go straight into the attribute list's buffer; the names
-    // stay the parser's bytes.
+    // The values stay the parser's bytes until the handler asks for them
+    // as text.
     void readAttributes(const XML_Char** atts)
     {
         attributes.clear();
-        for (const XML_Char** at = atts; *at; at += 2) {
-            const qsizetype length = qsizetype(std::strlen(at[1]));
-            char16_t* const value = attributes.reserve(length);
-            attributes.add(at[0], value, decode(at[1], length, value, blankControls));
-        }
+        for (const XML_Char** at = atts; *at; at += 2)
+            attributes.add(at[0], qsizetype(std::strlen(at[0])), at[1], qsizetype(std::strlen(at[1])));
     }
 
     static void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char** atts)
@@ -315,12 +339,10 @@ struct XmlReader::Private
     XmlContentHandler& handler;
     QByteArray chosenEncoding;
     QByteArray usedEncoding;
-    bool blankControls = false;
 
     XML_Parser parser = nullptr;
     XmlAttributes attributes;
     NameCache elementNames;
-    QStringDecoder utf8Decoder{QStringDecoder::Utf8};
     const QString noNamespace;
 
     bool stopped = false;
@@ -348,7 +370,7 @@ void XmlReader::setUndeclaredEncoding(const QByteArray& name)
 
 void XmlReader::setBlankControlCharacters(bool blank)
 {
-    d->blankControls = blank;
+    d->attributes.blankControls = blank;
 }
 
 qint64 XmlReader::faultOffset() const

@@ -7,6 +7,7 @@
 #include <QStringView>
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -28,42 +29,66 @@ inline bool isName(QStringView name, QLatin1StringView word)
     return true;
 }
 
-// Whether the UTF-8 name `utf8`, which ends at its NUL, is `word` (ASCII).
-// Names are compared for every element of a long document in the bytes the
-// parser hands over, without measuring or decoding them first.
-inline bool isName(const char* utf8, QLatin1StringView word)
+// Whether the `size` bytes at `a` and at `b` are the same. Names are
+// compared for every element of a long document: short ones in a few
+// overlapping word-sized loads rather than through a call.
+inline bool sameBytes(const char* a, const char* b, qsizetype size)
 {
-    const char* w = word.data();
-    for (qsizetype i = 0; i < word.size(); ++i) {
-        // A shorter name differs at its NUL, which no word holds.
-        if (utf8[i] != w[i])
+    const auto differ = [a, b](qsizetype at, auto word) {
+        decltype(word) x, y;
+        std::memcpy(&x, a + at, sizeof x);
+        std::memcpy(&y, b + at, sizeof y);
+        return x != y;
+    };
+    if (size >= 8) {
+        for (qsizetype i = 0; i + 8 <= size; i += 8) {
+            if (differ(i, quint64()))
+                return false;
+        }
+        return !differ(size - 8, quint64());
+    }
+    if (size >= 4)
+        return !differ(0, quint32()) && !differ(size - 4, quint32());
+    for (qsizetype i = 0; i < size; ++i) {
+        if (a[i] != b[i])
             return false;
     }
-    return utf8[word.size()] == '\0';
+    return true;
 }
 
 // One attribute of an element: its name as written (no namespace
-// processing) and its value. Views into the list that holds it.
+// processing) and its value, as the parser read it (UTF-8) and decoded.
+// Views into the list that holds it.
 class XmlAttribute
 {
 public:
-    // The name in UTF-8; decoded only by readers that show it.
-    const char* qualifiedNameUtf8() const { return m_name; }
-    QString qualifiedName() const { return QString::fromUtf8(m_name); }
-    bool hasName(QLatin1StringView word) const { return isName(m_name, word); }
+    // The name is kept in UTF-8 and decoded only by readers that show it.
+    QString qualifiedName() const { return QString::fromUtf8(m_name, m_nameSize); }
+    // Whether the name is `word` (ASCII).
+    bool hasName(QLatin1StringView word) const
+    {
+        return m_nameSize == word.size() && sameBytes(m_name, word.data(), m_nameSize);
+    }
     QStringView value() const { return m_value; }
+    // The value as the request wrote it, before control characters are
+    // blanked.
+    QByteArrayView utf8Value() const { return m_utf8; }
 
 private:
     friend class XmlAttributes;
     const char* m_name = "";
+    qsizetype m_nameSize = 0;
+    QByteArrayView m_utf8;
     QStringView m_value;
 };
 
-// The attributes of one element in document order. Their values stand one
-// after the other in one buffer, which the reader refills for every element:
-// an element costs no allocation once the buffer has grown to the widest.
-// The names are the parser's own bytes, valid while the element is
-// delivered; a copy of the list keeps names of its own.
+// The attributes of one element in document order. The values are decoded
+// only when the first of them is asked for as text, all at once, one after
+// the other into one buffer, which serves element after element: an element
+// costs no allocation once the buffer has grown to the widest, and one
+// whose values are only read as bytes costs no decoding. The names and the
+// bytes are the parser's own, valid while the element is delivered; a copy
+// of the list keeps bytes of its own.
 class XmlAttributes
 {
 public:
@@ -73,19 +98,33 @@ public:
 
     qsizetype size() const { return qsizetype(items.size()); }
     bool isEmpty() const { return items.empty(); }
-    const XmlAttribute& at(qsizetype i) const { return items[std::size_t(i)]; }
-    const XmlAttribute* begin() const { return items.data(); }
+    const XmlAttribute& at(qsizetype i) const
+    {
+        decodeValues();
+        return items[std::size_t(i)];
+    }
+    const XmlAttribute* begin() const
+    {
+        decodeValues();
+        return items.data();
+    }
     const XmlAttribute* end() const { return items.data() + items.size(); }
 
     // The value of the attribute of that name; an empty (not null) text when
     // the element has none.
     QStringView value(QLatin1StringView qualifiedName) const
     {
-        for (const XmlAttribute& attribute : items) {
-            if (attribute.hasName(qualifiedName))
-                return attribute.m_value;
+        if (const XmlAttribute* attribute = named(qualifiedName)) {
+            decodeValues();
+            return attribute->m_value;
         }
         return u"";
+    }
+    // The same value as the request wrote it; empty when there is none.
+    QByteArrayView utf8Value(QLatin1StringView qualifiedName) const
+    {
+        const XmlAttribute* attribute = named(qualifiedName);
+        return attribute ? attribute->m_utf8 : QByteArrayView();
     }
 
     void append(QStringView qualifiedName, QStringView value);
@@ -93,36 +132,52 @@ public:
 
 private:
     friend class XmlReader;
-    // Room for `count` more characters after the values already held.
-    // Growing the buffer moves the views of the values already added.
-    char16_t* reserve(qsizetype count)
+
+    const XmlAttribute* named(QLatin1StringView qualifiedName) const
     {
-        if (capacity - used < count)
-            grow(count);
-        return buffer.get() + used;
+        for (const XmlAttribute& attribute : items) {
+            if (attribute.hasName(qualifiedName))
+                return &attribute;
+        }
+        return nullptr;
     }
-    void grow(qsizetype count);
-    // Adds the attribute named `name` whose value stands at [value, end) in
-    // the reserved room.
-    void add(const char* name, const char16_t* value, const char16_t* end)
+    // Adds an attribute read by the parser, its value still undecoded.
+    void add(const char* name, qsizetype nameSize, const char* utf8, qsizetype length)
     {
         XmlAttribute& attribute = items.emplace_back();
         attribute.m_name = name;
-        attribute.m_value = QStringView(value, end);
-        used = end - buffer.get();
+        attribute.m_nameSize = nameSize;
+        attribute.m_utf8 = QByteArrayView(utf8, length);
+        undecodedUnits += length;
     }
-    // A name kept by the list itself, for attributes not read from a parser.
-    const char* keepName(QByteArrayView utf8);
+    void decodeValues() const
+    {
+        if (decoded < items.size())
+            decodeRest();
+    }
+    void decodeRest() const;
+    // Room for `count` more characters after the values already decoded.
+    // Growing the buffer moves the views of those values.
+    char16_t* reserve(qsizetype count) const;
+    // Bytes and names kept by the list itself, for attributes not read from
+    // a parser.
+    const char* keep(QByteArrayView bytes);
 
     struct Free
     {
         void operator()(char16_t* memory) const { std::free(memory); }
     };
-    std::unique_ptr<char16_t[], Free> buffer;
-    qsizetype capacity = 0;
-    qsizetype used = 0;
-    std::vector<XmlAttribute> items;
-    std::vector<std::unique_ptr<char[]>> keptNames;
+    mutable std::unique_ptr<char16_t[], Free> buffer;
+    mutable qsizetype capacity = 0;
+    mutable qsizetype used = 0;
+    mutable std::vector<XmlAttribute> items;
+    // The items before this one have their values decoded.
+    mutable std::size_t decoded = 0;
+    // Room the undecoded values take at most: a UTF-16 text has no more
+    // units than its UTF-8 bytes.
+    mutable qsizetype undecodedUnits = 0;
+    bool blankControls = false;
+    std::vector<std::unique_ptr<char[]>> kept;
 };
 
 // The events of a streamed XML document. Each callback answers whether

@@ -84,6 +84,7 @@ CodePage::CodePage(const QByteArray& name)
     asciiAsItself = ascii == " 09AZaz~";
     const QByteArray canonical = encoder.name();
     everything = canonical.startsWith("UTF-") || canonical == "GB18030";
+    utf8 = canonical == "UTF-8";
 }
 
 QStringEncoder CodePage::encoder() const

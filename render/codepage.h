@@ -34,6 +34,8 @@ public:
     bool writesAsciiAsItself() const { return asciiAsItself; }
     // Whether every character prints as itself (UTF-8): text is only composed.
     bool encodesEverything() const { return everything; }
+    // Whether the page is UTF-8, the request's own encoding.
+    bool isUtf8() const { return utf8; }
     QStringEncoder encoder() const;
 
     // Whether printable() may change `text`: a page that encodes everything
@@ -73,6 +75,7 @@ private:
     bool valid = false;
     bool asciiAsItself = false;
     bool everything = false;
+    bool utf8 = false;
     QHash<char32_t, QString> known; // empty text: the character prints as itself
     qsizetype replaced = 0;
     std::vector<Replacement>* replacementLog = nullptr;

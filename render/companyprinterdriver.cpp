@@ -4,6 +4,7 @@
 #include "emptytext.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +31,18 @@ bool containsTotale(QStringView text)
     for (qsizetype i = AsciiBlocks::indexOf(chars, text.size(), u'T'); i >= 0 && i <= last;
          i = AsciiBlocks::indexOf(chars, text.size(), u'T', i + 1)) {
         if (std::equal(word + 1, word + 6, chars + i + 1))
+            return true;
+    }
+    return false;
+}
+
+bool containsTotale(QByteArrayView text)
+{
+    const char* bytes = text.data();
+    const qsizetype last = text.size() - 6;
+    for (qsizetype i = AsciiBlocks::indexOf(bytes, text.size(), 'T'); i >= 0 && i <= last;
+         i = AsciiBlocks::indexOf(bytes, text.size(), 'T', i + 1)) {
+        if (std::memcmp(bytes + i + 1, "OTALE", 5) == 0)
             return true;
     }
     return false;
@@ -190,6 +203,20 @@ void CompanyPrinterDriver::println(unsigned int indent, const QString& text)
 void CompanyPrinterDriver::println(const QString& text)
 {
     println(0, text);
+}
+
+bool CompanyPrinterDriver::printEncodedLine(QByteArrayView text)
+{
+    // Only the plain case: a left-aligned line begun with nothing but its
+    // quote, holding neither the reserved word nor, where text is made safe,
+    // a double quote. Anything else goes through println.
+    if (justify != Justification::Left || line.size() != 1 || line.front() != u'"')
+        return false;
+    if (containsTotale(text) || (settings.safeText && text.contains('"')))
+        return false;
+    if (stream)
+        stream->writeBytes("\"", text, lineClose);
+    return true;
 }
 
 void CompanyPrinterDriver::writeFiscalItem(const QString& department, const QString& quantity,

@@ -22,6 +22,7 @@ public:
     void print(unsigned int indent, const QString& text) override;
     void println(unsigned int indent, const QString& text) override;
     void println(const QString& text) override;
+    bool printEncodedLine(QByteArrayView text) override;
     void printRowFiscal(const QString& name, const XmlAttributes& atts) override;
     void printRowFiscal(const QString& department, const QString& quantity,
                         const QString& description, const QString& price) override;

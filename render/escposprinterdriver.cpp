@@ -162,6 +162,18 @@ void EscPosPrinterDriver::println(const QString& text)
     println(0, text);
 }
 
+bool EscPosPrinterDriver::printEncodedLine(QByteArrayView text)
+{
+    if (!escPos)
+        return CompanyPrinterDriver::printEncodedLine(text);
+    if (!line.isEmpty())
+        return false;
+    sendModes(wanted);
+    if (stream)
+        stream->writeBytes(text, "\n");
+    return true;
+}
+
 void EscPosPrinterDriver::printLogo()
 {
     if (!escPos)

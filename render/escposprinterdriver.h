@@ -33,6 +33,7 @@ public:
     void print(unsigned int indent, const QString& text) override;
     void println(unsigned int indent, const QString& text) override;
     void println(const QString& text) override;
+    bool printEncodedLine(QByteArrayView text) override;
 
 private:
     struct Modes

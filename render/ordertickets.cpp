@@ -31,13 +31,13 @@ QString variantText(QStringView quantity, QStringView name)
 void PrinterDriver::printTicketItem(const XmlAttributes& atts)
 {
     setCharSize();
-    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {}, {}, dot, qd));
+    printRow(atts, {"number"_L1, "name"_L1, {}, {}}, dot, qd);
 }
 
 void PrinterDriver::printTicketOtherItem(const XmlAttributes& atts)
 {
     setCharSize(1);
-    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {}, {}, dot, qd));
+    printRow(atts, {"number"_L1, "name"_L1, {}, {}}, dot, qd);
 }
 
 void PrinterDriver::printTicketVariant(const XmlAttributes& atts)

@@ -186,15 +186,20 @@ void PrinterDriver::chooseDocument(const Documents::Document& chosen)
     startSection();
 }
 
-const Documents::Element* PrinterDriver::elementOf(QStringView name)
+const Documents::Element* PrinterDriver::elementOf(const QString& name)
 {
     if (!currentDocument)
         return nullptr;
-    if (lastElement && isName(name, lastElement->name))
+    // The reader hands over the same text for a name it saw last: the text
+    // kept here holds that text's storage, so the same storage means the
+    // same name, without comparing it.
+    if (lastElement && name.constData() == lastElementName.constData() && name.size() == lastElementName.size())
         return lastElement;
     const Documents::Element* element = currentDocument->element(name);
-    if (element)
+    if (element) {
         lastElement = element;
+        lastElementName = name;
+    }
     return element;
 }
 
@@ -206,6 +211,11 @@ bool PrinterDriver::printSections(const QString& name, const XmlAttributes& atts
             return true;
         }
     }
+    return false;
+}
+
+bool PrinterDriver::printEncodedLine(QByteArrayView)
+{
     return false;
 }
 

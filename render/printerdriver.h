@@ -11,6 +11,7 @@
 #include <QIODevice>
 #include <QString>
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -67,6 +68,10 @@ public:
     virtual void print(unsigned int indent, const QString& text) = 0;
     virtual void println(unsigned int indent, const QString& text) = 0;
     virtual void println(const QString& text) = 0;
+    // A line already in the print file's encoding (which writes ASCII as
+    // itself), one that println would print as it stands, written as those
+    // bytes where the device can; false leaves it to println.
+    virtual bool printEncodedLine(QByteArrayView line);
     virtual void printRowFiscal(const QString& name, const XmlAttributes& atts);
     virtual void printRowFiscal(const QString& department, const QString& quantity,
                                 const QString& description, const QString& price);
@@ -185,6 +190,10 @@ protected:
     void labelLine(const QString& label, QStringView text);
     void printItemColumnsHeader(bool withUnitPrice);
     void printPricedItem(const XmlAttributes& atts, RowLayout::Layout layout);
+    // The row descriptionRow lays out of the attributes named in `columns`
+    // (an empty name: an empty column), printed.
+    void printRow(const XmlAttributes& atts, const std::array<QLatin1StringView, 4>& columns, QChar fill,
+                  RowLayout::Layout layout);
     void printTotalLine(const QString& label, QStringView amount);
 
     const ZTConfiguration* config;
@@ -206,7 +215,7 @@ private:
     void chooseDocument(const Documents::Document& document);
     void loadSettings(const DocumentType& type);
     // The element of the document in force named `name`, or null.
-    const Documents::Element* elementOf(QStringView name);
+    const Documents::Element* elementOf(const QString& name);
 
     // The code pages of the run: the locale's, and those the documents name,
     // each kept for its count of replaced characters.
@@ -218,10 +227,13 @@ private:
     // The storage of the last row built, reused by the next: the row a
     // caller prints is gone by then.
     mutable QString rowBuffer;
+    // The same for rows laid out in the print file's encoding.
+    QByteArray encodedRow;
 
     const Documents::Document* currentDocument = nullptr;
     QString rejectedMethod;
     // The last element dispatched: a long document repeats one item
     // element, so it is tried before the table is searched.
     const Documents::Element* lastElement = nullptr;
+    QString lastElementName;
 };

@@ -37,8 +37,7 @@ void PrinterDriver::printInvoiceItem(const XmlAttributes& atts)
 void PrinterDriver::printPricedItem(const XmlAttributes& atts, Layout layout)
 {
     printItemColumnsHeader(true);
-    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), atts.value("price"_L1),
-                           atts.value("totalPrice"_L1), dot, layout));
+    printRow(atts, {"number"_L1, "name"_L1, "price"_L1, "totalPrice"_L1}, dot, layout);
 }
 
 // A dotted leader from the title to the amount in the total column.
@@ -63,8 +62,7 @@ void PrinterDriver::printAbstractItem(const XmlAttributes& atts)
     // An abstract line carries a count and an amount; the amount stands in
     // the total column under the title "Price", the unit price stays dotted.
     printItemColumnsHeader(false);
-    println(descriptionRow(atts.value("number"_L1), atts.value("name"_L1), {},
-                           atts.value("price"_L1), dot, qxdpt));
+    printRow(atts, {"number"_L1, "name"_L1, {}, "price"_L1}, dot, qxdpt);
 }
 
 void PrinterDriver::printFiscalItem(const XmlAttributes& atts)

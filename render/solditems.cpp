@@ -23,8 +23,7 @@ namespace {
 void PrinterDriver::printSoldItem(const XmlAttributes& atts)
 {
     setBold();
-    println(descriptionRow(atts.value("quantity"_L1), atts.value("description"_L1), {},
-                           atts.value("amount"_L1), dot, qxdpt));
+    printRow(atts, {"quantity"_L1, "description"_L1, {}, "amount"_L1}, dot, qxdpt);
     setCharSize();
 }
 

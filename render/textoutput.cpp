@@ -37,7 +37,7 @@ void TextOutput::encodeLong(QStringView text)
     encode(text);
 }
 
-void TextOutput::writeBytes(QByteArrayView bytes)
+void TextOutput::writeLongBytes(QByteArrayView bytes)
 {
     if (bytes.size() > bufferSize - used)
         flush();

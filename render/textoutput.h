@@ -57,8 +57,18 @@ public:
         else
             (*this << ... << pieces);
     }
-    // Bytes that are no text (printer commands, images), as they are.
-    void writeBytes(QByteArrayView bytes);
+    // Bytes as they are: printer commands, images, and text already in the
+    // print file's encoding; given in pieces like write().
+    template<typename... Pieces>
+    void writeBytes(const Pieces&... pieces)
+    {
+        const qsizetype size = (QByteArrayView(pieces).size() + ...);
+        if (size <= bufferSize - used) {
+            (append(QByteArrayView(pieces)), ...);
+        } else {
+            (writeLongBytes(QByteArrayView(pieces)), ...);
+        }
+    }
     void flush();
     // Whether a write to the device fell short (a full disk, a closed
     // pipe); nothing is written after that, so the file ends where the
@@ -92,10 +102,15 @@ private:
             encode(QString(command));
             return;
         }
-        std::memcpy(buffer.get() + used, command.data(), std::size_t(command.size()));
-        used += command.size();
+        append(QByteArrayView(command.data(), command.size()));
     }
     void encodeLong(QStringView text);
+    void append(QByteArrayView bytes)
+    {
+        AsciiBlocks::copyShort(buffer.get() + used, bytes.data(), std::size_t(bytes.size()));
+        used += bytes.size();
+    }
+    void writeLongBytes(QByteArrayView bytes);
 
     QIODevice* device;
     QStringEncoder encoder;

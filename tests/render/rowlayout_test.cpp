@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Row
@@ -54,6 +56,40 @@ TEST(DescriptionRow, Layouts)
             QString::fromUtf8(row.a4), QLatin1Char(row.fill), QString::fromUtf8(row.layout));
         EXPECT_EQ(line.toStdString(), row.expected)
             << row.layout << " W=" << row.w << " a2=" << row.a2;
+    }
+}
+
+// Rows of attribute values go out as the request's bytes where they print as
+// they stand; every row must come out as the same row built as text does.
+TEST(DescriptionRow, RowsWrittenAsBytesAreTheRowsBuiltAsText)
+{
+    const char* const texts[] = {
+        "", "2", "Pizza Margherita", "Spaghetti alla carbonara grande", "Caff\u00e8", "Tiramis\u00f9 della casa",
+        "Cafe\u0301", "\u20ac 5", "TOTALE", "say \"hi\"", "tab\there",
+    };
+    struct Widths { int w, q, p, t; };
+    for (const char* page : {"UTF-8", "CP858", "US-ASCII"}) {
+        for (const bool safeText : {false, true}) {
+            for (const Widths widths : {Widths{40, 3, 8, 9}, Widths{21, 3, 8, 9}, Widths{5, 3, 8, 9}}) {
+                for (int layout = RowLayout::qdpt; layout <= RowLayout::dateAmountType; ++layout) {
+                    for (const char* text : texts) {
+                        TestDriver asBytes, asText;
+                        for (TestDriver* driver : {&asBytes, &asText}) {
+                            driver->selectMethod(QStringLiteral("printPartialOrder"));
+                            driver->chooseCodePage(page);
+                            driver->setWidths(widths.w, widths.q, widths.p, widths.t);
+                            driver->settings.safeText = safeText;
+                        }
+                        const QString value = QString::fromUtf8(text);
+                        const XmlAttributes atts = TestDriver::attrs({{"q", u"12"_s}, {"d", value}, {"p", value}, {"t", u"3.00"_s}});
+                        const auto kind = RowLayout::Layout(layout);
+                        asBytes.printRow(atts, {"q"_L1, "d"_L1, "p"_L1, "t"_L1}, u'.', kind);
+                        asText.println(asText.descriptionRow(u"12", value, value, u"3.00", u'.', kind));
+                        EXPECT_EQ(asBytes.bytes(), asText.bytes()) << page << " layout " << layout << " " << text;
+                    }
+                }
+            }
+        }
     }
 }
 

@@ -23,7 +23,9 @@ class TestDriver : private TestPrintFile, public CompanyPrinterDriver
 public:
     TestDriver() : CompanyPrinterDriver(printFile, testConfiguration()) {}
 
+    using PrinterDriver::chooseCodePage;
     using PrinterDriver::docPath;
+    using PrinterDriver::printRow;
     using PrinterDriver::justify;
     using PrinterDriver::settings;
 

@@ -93,7 +93,8 @@ TEST_F(PrintRun, TheRequestIsNeverItsOwnPrintFile)
 // Memory that runs out in the middle of a request keeps what was rendered
 // before. No allocation above a limit succeeds, and one item's name is
 // larger than that: in the reader's buffer (first case) or once it is text
-// (second case).
+// (second case: its tab is blanked, so it is decoded rather than printed as
+// the request's bytes).
 TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
 {
     struct Case { int nameKiB; int limitMiB; const char* message; };
@@ -103,7 +104,7 @@ TEST_F(PrintRun, RunningOutOfMemoryKeepsWhatWasRendered)
     };
     for (const Case& c : cases) {
         QByteArray large = request;
-        large.insert(large.indexOf("  <total"), "  <receipe number=\"1\" name=\"" + QByteArray(c.nameKiB * 1024, 'x')
+        large.insert(large.indexOf("  <total"), "  <receipe number=\"1\" name=\"&#9;" + QByteArray(c.nameKiB * 1024, 'x')
                                                       + "\" price=\"1\" totalPrice=\"1\"/>\n");
         ASSERT_TRUE(writeBytes(requestPath, large.toStdString()));
 #ifdef ZENTARO_SANITIZED
