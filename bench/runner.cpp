@@ -51,6 +51,8 @@ struct Command
     int highestStatus = 0;
     // The environment of this command alone (another HOME); empty: the run's.
     std::vector<std::string> env = {};
+    // Its standard error is the preview's list of findings, not a fault.
+    bool listsOnStandardError = false;
 };
 
 [[noreturn]] void fail(const std::string& message)
@@ -96,6 +98,8 @@ Sample runOnce(Command& command, std::vector<std::string>& env)
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    if (command.listsOnStandardError)
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     std::vector<char*> argv = pointers(command.argv);
     std::vector<char*> envp = pointers(command.env.empty() ? env : command.env);
 
@@ -295,13 +299,15 @@ void previewFigures(const Options& options, const Inputs& in, std::vector<std::s
     std::fflush(stdout);
 
     Command print{"print run", {in.bin + "/tools/zentaro-print/zentaro-print", medium, out + "/medium.txt"}, {}};
-    Command longPng{"preview PNG", {preview, medium, out + "/medium.png"}, {}, 1};
-    Command shortPng{"preview PNG", {preview, shorter, out + "/short.png"}, {}, 1};
+    // The long picture stops after its hundredth page, as the preview's
+    // pages are bounded in number; it says so on standard error.
+    Command longPng{"preview PNG", {preview, medium, out + "/medium.png"}, {}, 1, {}, true};
+    Command shortPng{"preview PNG", {preview, shorter, out + "/short.png"}, {}, 1, {}, true};
     runInterleaved({&print, &longPng, &shortPng}, in.largeReps, env);
     const double longMs = median(longPng);
     const double longMb = peakMb(longPng);
     const double shortMb = peakMb(shortPng);
-    std::printf("          receipt %lld items as PNG pages  %.0f ms   print run %.0f ms   ratio %.1f;"
+    std::printf("          receipt %lld items as PNG pages (100 at most)  %.0f ms   print run %.0f ms   ratio %.1f;"
                 "   peak RSS %.1f MB   %lld items %.1f MB   ratio %.2f (target <= 1.5, pages bounded)  %s\n",
                 in.mediumItems, longMs, median(print), longMs / median(print), longMb, shortItems, shortMb,
                 longMb / shortMb, verdict(longMb / shortMb <= 1.5));
@@ -394,9 +400,9 @@ int main(int argc, char** argv)
     const double largeRatio = largeMs / expatMs;
     const double streamRatio = largeMs / parseMs;
     std::printf("render    receipt %lld items (%.1f MB)  %.0f ms   expat floor %.0f ms"
-                "   ratio %.2f (target <= 1.3)  %s\n",
+                "   ratio %.2f (target <= 1.25)  %s\n",
                 largeItems, double(fileSize(large)) / 1e6, largeMs, expatMs, largeRatio,
-                verdict(largeRatio <= 1.3));
+                verdict(largeRatio <= 1.25));
     std::printf("          against the stream-reader floor %.0f ms: ratio %.2f (target <= 0.6)  %s\n",
                 parseMs, streamRatio, verdict(streamRatio <= 0.6));
     std::printf("          median of %d interleaved runs; fastest %.0f / %.0f / %.0f ms;"

@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <clocale>
+#include <cstring>
 
 #include <langinfo.h>
 
@@ -54,7 +55,13 @@ QByteArray CodePage::localeEncoding()
 {
     static const QByteArray encoding = [] {
         QByteArray name = "US-ASCII"_ba;
-        if (std::setlocale(LC_ALL, "")) {
+        // The application object has set the locale from the environment
+        // already, unless there is none or it failed: setting it costs as
+        // much as the rest of a short print run's own work.
+        const char* current = std::setlocale(LC_CTYPE, nullptr);
+        const bool set = (current && std::strcmp(current, "C") != 0 && std::strcmp(current, "POSIX") != 0)
+                         || std::setlocale(LC_ALL, "");
+        if (set) {
             name = nl_langinfo(CODESET);
         } else {
             // A locale the system does not have still names its character set.
