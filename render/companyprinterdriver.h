@@ -10,6 +10,23 @@ class CompanyPrinterDriver : public PrinterDriver
 public:
     CompanyPrinterDriver(QIODevice& device, const ZTConfiguration& configuration);
 
+    // Printed lines, framed; the text stays on the line until println.
+    void print(unsigned int indent, const QString& text) override;
+    void println(unsigned int indent, const QString& text) override;
+    void println(const QString& text) override;
+    bool printEncodedLine(QByteArrayView text) override;
+    void startSection() override;
+    void endSection() override;
+
+    // Fiscal command lines.
+    void printRowFiscal(const QString& name, const XmlAttributes& atts) override;
+    void printRowFiscal(const QString& department, const QString& quantity,
+                        const QString& description, const QString& price) override;
+    virtual void printRowFiscal(const QString& department, const QString& quantity,
+                                const QString& description, const QString& price,
+                                const QString& adjustment);
+
+    // The paper and its modes: only centring reaches the command text.
     unsigned getPaperWidth() override;
     void setBold() override;
     void setCharSize() override;
@@ -17,19 +34,7 @@ public:
     void setCenterJustify() override;
     void fullCut() override;
     void generatePulse() override;
-    void startSection() override;
-    void endSection() override;
-    void print(unsigned int indent, const QString& text) override;
-    void println(unsigned int indent, const QString& text) override;
-    void println(const QString& text) override;
-    bool printEncodedLine(QByteArrayView text) override;
-    void printRowFiscal(const QString& name, const XmlAttributes& atts) override;
-    void printRowFiscal(const QString& department, const QString& quantity,
-                        const QString& description, const QString& price) override;
     void printLogo() override;
-    virtual void printRowFiscal(const QString& department, const QString& quantity,
-                                const QString& description, const QString& price,
-                                const QString& adjustment);
 
 private:
     // Without an output file the run goes on and its lines are dropped.
