@@ -57,15 +57,6 @@ void XmlAttributes::append(QStringView qualifiedName, QStringView value)
     decoded = items.size();
 }
 
-void XmlAttributes::clear()
-{
-    used = 0;
-    items.clear();
-    decoded = 0;
-    undecodedUnits = 0;
-    kept.clear();
-}
-
 char16_t* XmlAttributes::reserve(qsizetype count) const
 {
     if (capacity - used >= count)

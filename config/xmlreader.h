@@ -128,7 +128,17 @@ public:
     }
 
     void append(QStringView qualifiedName, QStringView value);
-    void clear();
+    // Done for every element a parser delivers, so it frees nothing: the
+    // storage serves the next element.
+    void clear()
+    {
+        used = 0;
+        items.clear();
+        decoded = 0;
+        undecodedUnits = 0;
+        if (!kept.empty())
+            kept.clear();
+    }
 
 private:
     friend class XmlReader;
