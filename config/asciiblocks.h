@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <cstring>
+#include <type_traits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -123,6 +124,31 @@ inline unsigned atLeastMask(const char16_t* in, qsizetype at, char16_t limit)
     const unsigned zero = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(over, _mm_setzero_si128())));
     return ~zero & (width == 8 ? 0xffffu : 0xffu);
 }
+
+template<int width>
+using Width = std::integral_constant<int, width>;
+
+// Runs `block(at, Width<width>())` over [0, length) in blocks of `width`
+// units, the last one laid over the end of the one before; a text shorter
+// than that takes blocks half as wide, down to `smallest`. Answers where
+// the first block that fails starts, or `length` when none does; a text
+// under `smallest` units is left to the caller (answers 0).
+template<int width, int smallest, typename Block>
+inline qsizetype walkBlocks(qsizetype length, Block block)
+{
+    if (length >= width) {
+        qsizetype i = 0;
+        for (; length - i >= width; i += width) {
+            if (!block(i, Width<width>()))
+                return i;
+        }
+        return i == length || block(length - width, Width<width>()) ? length : i;
+    }
+    if constexpr (width > smallest)
+        return walkBlocks<width / 2, smallest>(length, block);
+    else
+        return 0;
+}
 #endif
 
 } // namespace Detail
@@ -158,34 +184,13 @@ inline void copyShort(char* out, const char* in, std::size_t size)
 // which stops at the first byte above 0x7F or at the end.
 inline qsizetype widen(const char* in, qsizetype length, char16_t* out, bool blankControls)
 {
+    qsizetype done = 0;
 #if defined(__SSE2__)
-    using Detail::widenBlock;
-    if (length >= 16) {
-        qsizetype i = 0;
-        for (; length - i >= 16; i += 16) {
-            if (!widenBlock<16>(in, i, out, blankControls))
-                return Detail::widenTail(in, i, length, out, blankControls);
-        }
-        if (i < length && !widenBlock<16>(in, length - 16, out, blankControls))
-            return Detail::widenTail(in, i, length, out, blankControls);
-        return length;
-    }
-    if (length >= 8) {
-        if (!widenBlock<8>(in, 0, out, blankControls))
-            return Detail::widenTail(in, 0, length, out, blankControls);
-        if (!widenBlock<8>(in, length - 8, out, blankControls))
-            return Detail::widenTail(in, 8, length, out, blankControls);
-        return length;
-    }
-    if (length >= 4) {
-        if (!widenBlock<4>(in, 0, out, blankControls))
-            return Detail::widenTail(in, 0, length, out, blankControls);
-        if (!widenBlock<4>(in, length - 4, out, blankControls))
-            return Detail::widenTail(in, 4, length, out, blankControls);
-        return length;
-    }
+    done = Detail::walkBlocks<16, 4>(length, [=](qsizetype at, auto width) {
+        return Detail::widenBlock<decltype(width)::value>(in, at, out, blankControls);
+    });
 #endif
-    return Detail::widenTail(in, 0, length, out, blankControls);
+    return done == length ? length : Detail::widenTail(in, done, length, out, blankControls);
 }
 
 // Narrows the leading ASCII of `in` into `out`, one byte a character;
@@ -193,34 +198,13 @@ inline qsizetype widen(const char* in, qsizetype length, char16_t* out, bool bla
 // character above U+007F or at the end.
 inline qsizetype narrow(const char16_t* in, qsizetype length, char* out)
 {
+    qsizetype done = 0;
 #if defined(__SSE2__)
-    using Detail::narrowBlock;
-    if (length >= 16) {
-        qsizetype i = 0;
-        for (; length - i >= 16; i += 16) {
-            if (!narrowBlock<16>(in, i, out))
-                return Detail::narrowTail(in, i, length, out);
-        }
-        if (i < length && !narrowBlock<16>(in, length - 16, out))
-            return Detail::narrowTail(in, i, length, out);
-        return length;
-    }
-    if (length >= 8) {
-        if (!narrowBlock<8>(in, 0, out))
-            return Detail::narrowTail(in, 0, length, out);
-        if (!narrowBlock<8>(in, length - 8, out))
-            return Detail::narrowTail(in, 8, length, out);
-        return length;
-    }
-    if (length >= 4) {
-        if (!narrowBlock<4>(in, 0, out))
-            return Detail::narrowTail(in, 0, length, out);
-        if (!narrowBlock<4>(in, length - 4, out))
-            return Detail::narrowTail(in, 4, length, out);
-        return length;
-    }
+    done = Detail::walkBlocks<16, 4>(length, [=](qsizetype at, auto width) {
+        return Detail::narrowBlock<decltype(width)::value>(in, at, out);
+    });
 #endif
-    return Detail::narrowTail(in, 0, length, out);
+    return done == length ? length : Detail::narrowTail(in, done, length, out);
 }
 
 // Whether every byte of `in` is a printable ASCII character, from the blank
@@ -228,24 +212,19 @@ inline qsizetype narrow(const char16_t* in, qsizetype length, char* out)
 inline bool isPrintableAscii(const char* in, qsizetype length)
 {
 #if defined(__SSE2__)
-    // Bytes from 0x80 compare below a blank, as signed numbers.
-    const auto unprintable = [](__m128i bytes, int lanes) {
-        const __m128i odd = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)),
-                                         _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x7f)));
-        return (_mm_movemask_epi8(odd) & lanes) != 0;
-    };
-    if (length >= 16) {
-        qsizetype i = 0;
-        for (; length - i >= 16; i += 16) {
-            if (unprintable(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i)), 0xffff))
-                return false;
-        }
-        return i == length || !unprintable(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + length - 16)), 0xffff);
+    if (length >= 4) {
+        return Detail::walkBlocks<16, 4>(length, [in](qsizetype at, auto width) {
+                   constexpr int bytes = decltype(width)::value;
+                   const __m128i block = bytes == 16 ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at))
+                                         : bytes == 8 ? Detail::load64(in + at)
+                                                      : Detail::load32(in + at);
+                   // Bytes from 0x80 compare below a blank, as signed numbers.
+                   const __m128i odd = _mm_or_si128(_mm_cmplt_epi8(block, _mm_set1_epi8(0x20)),
+                                                    _mm_cmpeq_epi8(block, _mm_set1_epi8(0x7f)));
+                   return (_mm_movemask_epi8(odd) & ((1 << bytes) - 1)) == 0;
+               })
+               == length;
     }
-    if (length >= 8)
-        return !unprintable(Detail::load64(in), 0xff) && !unprintable(Detail::load64(in + length - 8), 0xff);
-    if (length >= 4)
-        return !unprintable(Detail::load32(in), 0xf) && !unprintable(Detail::load32(in + length - 4), 0xf);
 #endif
     for (qsizetype i = 0; i < length; ++i) {
         const auto c = static_cast<unsigned char>(in[i]);
@@ -273,17 +252,12 @@ inline bool isPrintableUtf8BelowCombining(const char* in, qsizetype length)
 inline bool anyAtLeast(const char16_t* in, qsizetype length, char16_t limit)
 {
 #if defined(__SSE2__)
-    using Detail::atLeastMask;
-    if (length >= 8) {
-        qsizetype i = 0;
-        for (; length - i >= 8; i += 8) {
-            if (atLeastMask<8>(in, i, limit))
-                return true;
-        }
-        return i < length && atLeastMask<8>(in, length - 8, limit);
+    if (length >= 4) {
+        return Detail::walkBlocks<8, 4>(length, [in, limit](qsizetype at, auto width) {
+                   return Detail::atLeastMask<decltype(width)::value>(in, at, limit) == 0;
+               })
+               != length;
     }
-    if (length >= 4)
-        return atLeastMask<4>(in, 0, limit) || atLeastMask<4>(in, length - 4, limit);
 #endif
     for (qsizetype i = 0; i < length; ++i) {
         if (in[i] >= limit)
@@ -292,53 +266,32 @@ inline bool anyAtLeast(const char16_t* in, qsizetype length, char16_t limit)
     return false;
 }
 
-// The position of the first `c` in `in` from `from` on, or -1.
-inline qsizetype indexOf(const char16_t* in, qsizetype length, char16_t c, qsizetype from = 0)
+// The position of the first `c` in `in` from `from` on, or -1; for text and
+// bytes alike.
+template<typename Char>
+inline qsizetype indexOf(const Char* in, qsizetype length, Char c, qsizetype from = 0)
 {
+    static_assert(sizeof(Char) == 1 || sizeof(Char) == 2);
     qsizetype i = from;
 #if defined(__SSE2__)
-    const __m128i wanted = _mm_set1_epi16(short(c));
+    constexpr qsizetype units = 16 / sizeof(Char);
+    const __m128i wanted = sizeof(Char) == 1 ? _mm_set1_epi8(char(c)) : _mm_set1_epi16(short(c));
+    // One bit a byte: a unit of two bytes sets two.
     const auto found = [&wanted, in](qsizetype at) {
-        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
-        return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(units, wanted)));
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+        return unsigned(_mm_movemask_epi8(sizeof(Char) == 1 ? _mm_cmpeq_epi8(block, wanted)
+                                                            : _mm_cmpeq_epi16(block, wanted)));
     };
-    for (; length - i >= 8; i += 8) {
+    for (; length - i >= units; i += units) {
         if (const unsigned mask = found(i))
-            return i + __builtin_ctz(mask) / 2;
+            return i + __builtin_ctz(mask) / qsizetype(sizeof(Char));
     }
     // The last block laid over the end of the text: the units before `i`
     // were searched already.
-    if (i < length && length >= 8) {
-        const qsizetype at = length - 8;
-        const unsigned mask = found(at) >> (2 * (i - at));
-        return mask ? i + __builtin_ctz(mask) / 2 : -1;
-    }
-#endif
-    for (; i < length; ++i) {
-        if (in[i] == c)
-            return i;
-    }
-    return -1;
-}
-
-// The position of the first byte `c` in `in` from `from` on, or -1.
-inline qsizetype indexOf(const char* in, qsizetype length, char c, qsizetype from = 0)
-{
-    qsizetype i = from;
-#if defined(__SSE2__)
-    const __m128i wanted = _mm_set1_epi8(c);
-    const auto found = [&wanted, in](qsizetype at) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
-        return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)));
-    };
-    for (; length - i >= 16; i += 16) {
-        if (const unsigned mask = found(i))
-            return i + __builtin_ctz(mask);
-    }
-    if (i < length && length >= 16) {
-        const qsizetype at = length - 16;
-        const unsigned mask = found(at) >> (i - at);
-        return mask ? i + __builtin_ctz(mask) : -1;
+    if (i < length && length >= units) {
+        const qsizetype at = length - units;
+        const unsigned mask = found(at) >> (sizeof(Char) * (i - at));
+        return mask ? i + __builtin_ctz(mask) / qsizetype(sizeof(Char)) : -1;
     }
 #endif
     for (; i < length; ++i) {

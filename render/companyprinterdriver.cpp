@@ -22,30 +22,27 @@ constexpr QStringView blanks(u"                                ");
 
 // Every printed line is searched for the reserved word: by its first letter,
 // which plain item text rarely holds, in a loop of the device's own rather
-// than a general substring search.
-bool containsTotale(QStringView text)
+// than a general substring search; in text or in bytes.
+template<typename Char>
+bool containsTotale(const Char* chars, qsizetype size)
 {
-    static constexpr char16_t word[] = u"TOTALE";
-    const char16_t* chars = text.utf16();
-    const qsizetype last = text.size() - 6;
-    for (qsizetype i = AsciiBlocks::indexOf(chars, text.size(), u'T'); i >= 0 && i <= last;
-         i = AsciiBlocks::indexOf(chars, text.size(), u'T', i + 1)) {
-        if (std::equal(word + 1, word + 6, chars + i + 1))
+    static constexpr char rest[] = "OTALE";
+    for (qsizetype i = AsciiBlocks::indexOf(chars, size, Char('T')); i >= 0 && i <= size - 6;
+         i = AsciiBlocks::indexOf(chars, size, Char('T'), i + 1)) {
+        if (std::equal(rest, rest + 5, chars + i + 1))
             return true;
     }
     return false;
 }
 
+bool containsTotale(QStringView text)
+{
+    return containsTotale(text.utf16(), text.size());
+}
+
 bool containsTotale(QByteArrayView text)
 {
-    const char* bytes = text.data();
-    const qsizetype last = text.size() - 6;
-    for (qsizetype i = AsciiBlocks::indexOf(bytes, text.size(), 'T'); i >= 0 && i <= last;
-         i = AsciiBlocks::indexOf(bytes, text.size(), 'T', i + 1)) {
-        if (std::memcmp(bytes + i + 1, "OTALE", 5) == 0)
-            return true;
-    }
-    return false;
+    return containsTotale(text.data(), text.size());
 }
 
 // The device reserves the word TOTALE: it must reach the paper as SOMMA.
